@@ -1,0 +1,104 @@
+#include "AshviewCore/AtomicFile.h"
+#include "AshviewCore/Json.h"
+#include "AshviewCore/Url.h"
+#include "AshviewCore/Uuid.h"
+
+#include "TempFolder.h"
+
+#include <gtest/gtest.h>
+
+namespace ashview {
+namespace {
+
+TEST(Uuid, WritesUpperCaseAndParsesOnlyTheCanonicalForm) {
+    auto parsed = Uuid::parse("e621e1f8-c36c-495a-93fc-0c247a3e6e5f");
+    ASSERT_TRUE(parsed);
+    EXPECT_EQ(parsed->text(), "E621E1F8-C36C-495A-93FC-0C247A3E6E5F");
+    EXPECT_EQ(Uuid::parse(parsed->text()), parsed);
+    for (const char* bad : {"", "E621E1F8C36C495A93FC0C247A3E6E5F", "E621E1F8-C36C-495A-93FC-0C247A3E6E5",
+                            "E621E1F8-C36C-495A-93FC-0C247A3E6E5FF", "G621E1F8-C36C-495A-93FC-0C247A3E6E5F",
+                            " E621E1F8-C36C-495A-93FC-0C247A3E6E5"}) {
+        EXPECT_FALSE(Uuid::parse(bad)) << bad;
+    }
+    EXPECT_NE(Uuid::random(), Uuid::random());
+}
+
+TEST(Url, GivesTheHostOfAbsoluteAddressesOnly) {
+    EXPECT_EQ(Url::host("https://news.example.com:8443/a/b?c=d#e"), "news.example.com");
+    EXPECT_EQ(Url::host("http://user:pw@example.org"), "example.org");
+    EXPECT_EQ(Url::host("https://[::1]:80/"), "::1");
+    EXPECT_EQ(Url::host("example.com/path"), std::nullopt);
+    EXPECT_EQ(Url::host("file:///tmp/x"), std::nullopt);
+    EXPECT_EQ(Url::host("https://exa mple.com"), std::nullopt);
+    EXPECT_EQ(Url::host(""), std::nullopt);
+    EXPECT_EQ(Url::scheme("HTTPS://example.com"), "https");
+}
+
+TEST(Json, EncodesSortedPrettyAndStable) {
+    Json::Value document = {{"zeta", 1}, {"alpha", {{"b", true}, {"a", "x"}}}};
+    EXPECT_EQ(Json::encode(document),
+              "{\n  \"alpha\": {\n    \"a\": \"x\",\n    \"b\": true\n  },\n  \"zeta\": 1\n}\n");
+    EXPECT_EQ(Json::encode(Json::parse(Json::encode(document))), Json::encode(document));
+}
+
+TEST(Json, ReadsStrictlyWithPaths) {
+    Json::Value document = Json::parse(R"({"n": 3, "f": 2.0, "half": 2.5, "s": "x", "z": null,
+                                           "big": 18446744073709551615, "b": false})");
+    Json::Object object(document, "doc");
+    EXPECT_EQ(object.integer("n"), 3);
+    EXPECT_EQ(object.integer("f"), 2);
+    EXPECT_EQ(object.optionalInteger("z"), std::nullopt);
+    EXPECT_EQ(object.optionalInteger("absent"), std::nullopt);
+    EXPECT_FALSE(object.boolean("b"));
+    EXPECT_THROW(object.integer("half"), Json::DecodingError);
+    EXPECT_THROW(object.integer("big"), Json::DecodingError);
+    EXPECT_THROW(object.integer("s"), Json::DecodingError);
+    EXPECT_THROW(object.string("n"), Json::DecodingError);
+    EXPECT_THROW(object.boolean("n"), Json::DecodingError);
+    try {
+        object.string("z");
+        FAIL();
+    } catch (const Json::DecodingError& error) {
+        EXPECT_NE(std::string(error.what()).find("doc.z"), std::string::npos);
+    }
+}
+
+TEST(Json, RejectsBrokenBytesAndProbesOnlyTheVersion) {
+    EXPECT_THROW(Json::parse("{\"a\": \"\xff\"}"), Json::DecodingError);
+    EXPECT_THROW(Json::parse("{\"a\": 1"), Json::DecodingError);
+    EXPECT_THROW(Json::parse(""), Json::DecodingError);
+    EXPECT_EQ(Json::probeSchemaVersion(R"({"schemaVersion": 4, "sites": "nonsense"})"), 4);
+    EXPECT_EQ(Json::probeSchemaVersion(R"({"schemaVersion": "3"})"), std::nullopt);
+    EXPECT_EQ(Json::probeSchemaVersion(R"([3])"), std::nullopt);
+    EXPECT_EQ(Json::probeSchemaVersion("not json"), std::nullopt);
+}
+
+TEST(Json, NamesCasesBothWays) {
+    enum class Color { red, green };
+    constexpr auto names = Json::caseNames<Color>(std::pair{Color::red, "red"}, std::pair{Color::green, "green"});
+    EXPECT_EQ(names.name(Color::green), "green");
+    EXPECT_EQ(names.read(Json::Value("red"), "c"), Color::red);
+    EXPECT_THROW(names.read(Json::Value("blue"), "c"), Json::DecodingError);
+    EXPECT_THROW(names.read(Json::Value(1), "c"), Json::DecodingError);
+}
+
+TEST(AtomicFile, ReplacesWholeFilesAndLeavesNothingBehindOnFailure) {
+    TempFolder folder;
+    auto path = folder.path() / "deep" / "file.json";
+    AtomicFile::write(path, "first");
+    AtomicFile::write(path, "second");
+    EXPECT_EQ(AtomicFile::read(path), "second");
+    EXPECT_EQ(AtomicFile::read(path, 3), std::nullopt);
+    EXPECT_EQ(AtomicFile::read(folder.path() / "missing"), std::nullopt);
+    EXPECT_EQ(AtomicFile::read(folder.path()), std::nullopt);
+
+    // A folder standing where the file should go: the rename fails.
+    std::filesystem::create_directories(folder.path() / "blocked" / "inner");
+    EXPECT_THROW(AtomicFile::write(folder.path() / "blocked", "x"), std::filesystem::filesystem_error);
+    auto entries = std::distance(std::filesystem::directory_iterator(folder.path()),
+                                 std::filesystem::directory_iterator());
+    EXPECT_EQ(entries, 2);  // "deep" and "blocked", no temporary file
+}
+
+}  // namespace
+}  // namespace ashview
