@@ -1,5 +1,6 @@
 #include "AshviewCore/UsageHistory.h"
 
+#include <cmath>
 #include <limits>
 
 namespace ashview {
@@ -18,10 +19,27 @@ void putIfNonZero(Json::Value& object, const char* key, std::int64_t value) {
     if (value != 0) object[key] = value;
 }
 
+/// A number too large for a double reads as infinite and could not be written
+/// back; such a document is not understood.
+double finite(double value, const Json::Object& object, std::string_view key) {
+    if (!std::isfinite(value)) throw Json::DecodingError(object.path(key) + ": number out of range");
+    return value;
+}
+
+double number(const Json::Object& object, std::string_view key) {
+    return finite(object.number(key), object, key);
+}
+
+std::optional<double> optionalNumber(const Json::Object& object, std::string_view key) {
+    std::optional<double> value = object.optionalNumber(key);
+    if (value) finite(*value, object, key);
+    return value;
+}
+
 UsageHistory::Totals readTotals(const Json::Object& object) {
     UsageHistory::Totals totals;
-    totals.seconds = object.optionalNumber("seconds").value_or(0);
-    totals.graySeconds = object.optionalNumber("graySeconds").value_or(0);
+    totals.seconds = optionalNumber(object, "seconds").value_or(0);
+    totals.graySeconds = optionalNumber(object, "graySeconds").value_or(0);
     totals.visits = object.optionalInteger("visits").value_or(0);
     totals.grayLeft = object.optionalInteger("grayLeft").value_or(0);
     totals.grayStayed = object.optionalInteger("grayStayed").value_or(0);
@@ -122,11 +140,11 @@ UsageHistory UsageHistory::fromJson(const Json::Value& document) {
     Json::Object root(document, "history");
     UsageHistory history;
     history.schemaVersion = root.integer("schemaVersion");
-    if (auto began = root.optionalNumber("began")) history.began = Instant{*began};
+    if (auto began = optionalNumber(root, "began")) history.began = Instant{*began};
     if (auto run = root.optionalObject("lastRun")) {
-        Run lastRun{Instant{run->number("lastAlive")}, std::nullopt};
+        Run lastRun{Instant{number(*run, "lastAlive")}, std::nullopt};
         if (auto stop = run->optionalObject("stop")) {
-            lastRun.stop = Stop{Instant{stop->number("time")},
+            lastRun.stop = Stop{Instant{number(*stop, "time")},
                                 stopReasonNames.read(stop->required("reason"), stop->path("reason"))};
         }
         history.lastRun = lastRun;
@@ -135,7 +153,7 @@ UsageHistory UsageHistory::fromJson(const Json::Value& document) {
     for (const auto& [key, value] : document.at("days").items()) {
         Json::Object dayObject(value, dayObjects.path(key));
         Day day;
-        day.unobservedSeconds = dayObject.optionalNumber("unobservedSeconds").value_or(0);
+        day.unobservedSeconds = optionalNumber(dayObject, "unobservedSeconds").value_or(0);
         if (auto sites = dayObject.optionalObject("sites")) {
             for (const auto& [host, totals] : dayObject.required("sites").items()) {
                 day.sites.emplace(host, readTotals(Json::Object(totals, sites->path(host))));

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
+
 namespace ashview {
 namespace {
 
@@ -180,6 +182,10 @@ TEST(UsageHistory, ReaderRejectsWhatItCannotUnderstand) {
          }) {
         EXPECT_THROW(parsed(bad), Json::DecodingError) << bad;
     }
+    // A number that could not be written back is refused too.
+    Json::Value infinite = Json::parse(R"({"schemaVersion": 1, "days": {"2026-01-01": {"sites": {"a": {}}}}})");
+    infinite["days"]["2026-01-01"]["sites"]["a"]["seconds"] = std::numeric_limits<double>::infinity();
+    EXPECT_THROW(UsageHistory::fromJson(infinite), Json::DecodingError);
 }
 
 }  // namespace
