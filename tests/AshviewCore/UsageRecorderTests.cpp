@@ -175,5 +175,41 @@ TEST(UsageRecorder, AccountsForTheTimeBetweenRunsByHowTheLastEnded) {
     EXPECT_EQ(recorder.history().days.at("2026-05-12"), (UsageHistory::Day{{{"a", {310, 310, 2, 0, 1}}}, 0}));
 }
 
+TEST(UsageRecorder, UnwatchedTimeBeforeTheKeptDaysCostsNothing) {
+    Calendar calendar("gregorian", "Europe/Berlin", "en_GB");
+    LocalDays local(calendar);
+    Instant now = *calendar.date(2026, 5, 13, 8);
+    auto daysAfterStart = [&](UsageHistory::Run run, std::optional<Instant> bootTime) {
+        UsageHistory history;
+        history.began = Instant{0};
+        history.lastRun = run;
+        UsageRecorder recorder(history);
+        recorder.appStarted(now, bootTime, calendar);
+        return recorder.history().days;
+    };
+    auto splitWholeThenPruned = [&](Instant from, Instant to) {
+        UsageHistory history;
+        history.addUnobserved(from, to, local);
+        history.prune(now, local);
+        return history.days;
+    };
+    // 500 days and a bit, over both changes of the clocks: the kept days come
+    // out as if the whole gap had been split.
+    Instant longAgo = now - 500 * 86400.0 - 5000;
+    auto whole = splitWholeThenPruned(longAgo, now);
+    ASSERT_EQ(whole.size(), 400u);
+    EXPECT_EQ(daysAfterStart({longAgo, UsageHistory::Stop{longAgo, StopReason::userQuit}}, std::nullopt), whole);
+    EXPECT_EQ(daysAfterStart({longAgo, std::nullopt}, std::nullopt), whole);
+    Instant boot = now - 200 * 86400.0;
+    EXPECT_EQ(daysAfterStart({longAgo, std::nullopt}, boot), splitWholeThenPruned(longAgo, boot));
+    EXPECT_TRUE(daysAfterStart({longAgo, std::nullopt}, now - 450 * 86400.0).empty());
+
+    // A damaged file 95,000 years back: split day by day, that would take
+    // minutes and gigabytes.
+    Instant damaged{-3e12};
+    EXPECT_EQ(daysAfterStart({damaged, std::nullopt}, std::nullopt), whole);
+    EXPECT_EQ(daysAfterStart({damaged, UsageHistory::Stop{damaged, StopReason::userQuit}}, std::nullopt), whole);
+}
+
 }  // namespace
 }  // namespace ashview
