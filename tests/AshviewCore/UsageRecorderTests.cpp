@@ -130,12 +130,18 @@ TEST_F(Recording, ASiteLeftOffTheListGoesThroughTheGraceAndTheTwoMinutes) {
     EXPECT_EQ(totals("a").grayLeft, 1);
     EXPECT_EQ(recorder.trackedHosts(), std::vector<std::string>{"b"});
 
+    // Another site in its place: the list is as long as before, yet the
+    // first one is out of view from that very pass.
+    passes(130, 160, {shown("c")});
+    pass(165, {shown("b")});
+    EXPECT_EQ(totals("b").visits, 2);
+
     // A clear while on screen: no time carried over, a new visit.
     recorder.markSaved();
-    recorder.clearHistory(start + 125);
+    recorder.clearHistory(start + 185);
     EXPECT_TRUE(recorder.hasUnsavedChanges());
-    EXPECT_EQ(recorder.history().began, start + 125);
-    pass(130, {shown("b")});
+    EXPECT_EQ(recorder.history().began, start + 185);
+    pass(190, {shown("b")});
     EXPECT_EQ(totals("b"), (Totals{0, 0, 1, 0, 0}));
 }
 
