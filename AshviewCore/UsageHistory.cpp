@@ -96,8 +96,12 @@ void UsageHistory::addUnobserved(Instant from, Instant to, const LocalDays& loca
     for (const auto& piece : local.split(from, to)) days[piece.day].unobservedSeconds += piece.seconds;
 }
 
+Instant UsageHistory::oldestKeptDay(Instant now, const LocalDays& local) {
+    return local.start(-(keptDays - 1), now);
+}
+
 void UsageHistory::prune(Instant now, const LocalDays& local) {
-    std::string cutoff = local.key(local.start(-(keptDays - 1), now));
+    std::string cutoff = local.key(oldestKeptDay(now, local));
     days.erase(days.begin(), days.lower_bound(cutoff));
 }
 

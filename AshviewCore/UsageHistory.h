@@ -103,8 +103,12 @@ struct UsageHistory final {
     /// Adds the stretch [from, to) to the unobserved time of the days it
     /// touches; an empty stretch creates no day.
     void addUnobserved(Instant from, Instant to, const LocalDays& local);
-    /// Keeps exactly the days from 399 days before the day of `now` onwards.
+    /// Keeps exactly the days from `oldestKeptDay(now, local)` onwards, by
+    /// key, so days after `now` are kept too.
     void prune(Instant now, const LocalDays& local);
+    /// The start of the oldest day that `prune` at `now` keeps: 399 days
+    /// before the day of `now`.
+    static Instant oldestKeptDay(Instant now, const LocalDays& local);
 
     /// The sparse document form: zero figures, empty site maps and absent
     /// values are left out, and hosts whose totals are all zero are dropped.

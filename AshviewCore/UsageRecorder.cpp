@@ -1,5 +1,6 @@
 #include "AshviewCore/UsageRecorder.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace ashview {
@@ -125,18 +126,24 @@ void UsageRecorder::forgetSites() {
 
 void UsageRecorder::appStarted(Instant at, std::optional<Instant> bootTime, const Calendar& calendar) {
     LocalDays local(calendar);
+    // Days before the oldest kept one are pruned below, so the unwatched time
+    // is split from there on: the same days come out, and an instant far in
+    // the past (a damaged file) costs at most the kept days, not one calendar
+    // step for every day since then.
+    Instant oldestKept = UsageHistory::oldestKeptDay(at, local);
+    auto addUnobserved = [&](Instant from, Instant to) {
+        history_.addUnobserved(std::max(from, oldestKept), to, local);
+    };
     if (history_.lastRun) {
         const UsageHistory::Run& run = *history_.lastRun;
         if (run.stop) {
-            if (run.stop->reason == UsageHistory::StopReason::userQuit) {
-                history_.addUnobserved(run.stop->time, at, local);
-            }
+            if (run.stop->reason == UsageHistory::StopReason::userQuit) addUnobserved(run.stop->time, at);
         } else if (bootTime && *bootTime > run.lastAlive) {
             // The machine went down with the program: what follows the boot
             // is left uncounted rather than called unwatched.
-            history_.addUnobserved(run.lastAlive, *bootTime, local);
+            addUnobserved(run.lastAlive, *bootTime);
         } else {
-            history_.addUnobserved(run.lastAlive, at, local);
+            addUnobserved(run.lastAlive, at);
         }
     }
     if (!history_.began) history_.began = at;

@@ -1,6 +1,9 @@
 // Load, summary and save of the largest history the program keeps: 400 days
-// with 50 listed sites, every figure filled in.
+// with 50 listed sites, every figure filled in; and the start of a run after
+// a run record that lies thousands of years back, which costs no more than
+// the days that are kept.
 #include "AshviewCore/LocalDays.h"
+#include "AshviewCore/UsageRecorder.h"
 #include "AshviewCore/UsageStore.h"
 #include "AshviewCore/UsageSummary.h"
 
@@ -97,6 +100,17 @@ void BM_Save(benchmark::State& state) {
     state.counters["fileBytes"] = static_cast<double>(fs::file_size(files.fileURL()));
 }
 BENCHMARK(BM_Save)->Unit(benchmark::kMillisecond);
+
+void BM_StartAfterDamagedRun(benchmark::State& state) {
+    UsageHistory history = fullHistory();
+    history.lastRun = UsageHistory::Run{Instant{-3e12}, std::nullopt};
+    for (auto _ : state) {
+        UsageRecorder recorder(history);
+        recorder.appStarted(now(), std::nullopt, calendar());
+        benchmark::DoNotOptimize(recorder);
+    }
+}
+BENCHMARK(BM_StartAfterDamagedRun)->Unit(benchmark::kMillisecond);
 
 }  // namespace
 }  // namespace ashview

@@ -1,8 +1,10 @@
 // Arbitrary bytes given to the usage history reader never crash it, and what
 // it accepts survives writing and reading back unchanged; the summary of any
-// accepted history can be made.
+// accepted history can be made, and a run can start on it in bounded time,
+// whatever instants its run record holds.
 #include "AshviewCore/Json.h"
 #include "AshviewCore/UsageHistory.h"
+#include "AshviewCore/UsageRecorder.h"
 #include "AshviewCore/UsageSummary.h"
 
 #include <cstddef>
@@ -36,5 +38,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     UsageSummary summary = UsageSummary::make(history, hosts, Instant{785000000}, calendar);
     (void)summary.menuLine();
     for (const auto& row : summary.sites) (void)row.change();
+
+    UsageRecorder recorder(history);
+    recorder.appStarted(Instant{785000000}, std::nullopt, calendar);
+    if (recorder.history().days.size() > history.days.size() + UsageHistory::keptDays) std::abort();
     return 0;
 }

@@ -130,12 +130,18 @@ TEST_F(Recording, ASiteLeftOffTheListGoesThroughTheGraceAndTheTwoMinutes) {
     EXPECT_EQ(totals("a").grayLeft, 1);
     EXPECT_EQ(recorder.trackedHosts(), std::vector<std::string>{"b"});
 
+    // Another site in its place: the list is as long as before, yet the
+    // first one is out of view from that very pass.
+    passes(130, 160, {shown("c")});
+    pass(165, {shown("b")});
+    EXPECT_EQ(totals("b").visits, 2);
+
     // A clear while on screen: no time carried over, a new visit.
     recorder.markSaved();
-    recorder.clearHistory(start + 125);
+    recorder.clearHistory(start + 185);
     EXPECT_TRUE(recorder.hasUnsavedChanges());
-    EXPECT_EQ(recorder.history().began, start + 125);
-    pass(130, {shown("b")});
+    EXPECT_EQ(recorder.history().began, start + 185);
+    pass(190, {shown("b")});
     EXPECT_EQ(totals("b"), (Totals{0, 0, 1, 0, 0}));
 }
 
@@ -173,6 +179,42 @@ TEST(UsageRecorder, AccountsForTheTimeBetweenRunsByHowTheLastEnded) {
     recorder.appStarted(evening + 300, std::nullopt, calendar);
     for (double t = 300; t <= 600; t += 10) recorder.record({grayed("a")}, evening + t, true, calendar);
     EXPECT_EQ(recorder.history().days.at("2026-05-12"), (UsageHistory::Day{{{"a", {310, 310, 2, 0, 1}}}, 0}));
+}
+
+TEST(UsageRecorder, UnwatchedTimeBeforeTheKeptDaysCostsNothing) {
+    Calendar calendar("gregorian", "Europe/Berlin", "en_GB");
+    LocalDays local(calendar);
+    Instant now = *calendar.date(2026, 5, 13, 8);
+    auto daysAfterStart = [&](UsageHistory::Run run, std::optional<Instant> bootTime) {
+        UsageHistory history;
+        history.began = Instant{0};
+        history.lastRun = run;
+        UsageRecorder recorder(history);
+        recorder.appStarted(now, bootTime, calendar);
+        return recorder.history().days;
+    };
+    auto splitWholeThenPruned = [&](Instant from, Instant to) {
+        UsageHistory history;
+        history.addUnobserved(from, to, local);
+        history.prune(now, local);
+        return history.days;
+    };
+    // 500 days and a bit, over both changes of the clocks: the kept days come
+    // out as if the whole gap had been split.
+    Instant longAgo = now - 500 * 86400.0 - 5000;
+    auto whole = splitWholeThenPruned(longAgo, now);
+    ASSERT_EQ(whole.size(), 400u);
+    EXPECT_EQ(daysAfterStart({longAgo, UsageHistory::Stop{longAgo, StopReason::userQuit}}, std::nullopt), whole);
+    EXPECT_EQ(daysAfterStart({longAgo, std::nullopt}, std::nullopt), whole);
+    Instant boot = now - 200 * 86400.0;
+    EXPECT_EQ(daysAfterStart({longAgo, std::nullopt}, boot), splitWholeThenPruned(longAgo, boot));
+    EXPECT_TRUE(daysAfterStart({longAgo, std::nullopt}, now - 450 * 86400.0).empty());
+
+    // A damaged file 95,000 years back: split day by day, that would take
+    // minutes and gigabytes.
+    Instant damaged{-3e12};
+    EXPECT_EQ(daysAfterStart({damaged, std::nullopt}, std::nullopt), whole);
+    EXPECT_EQ(daysAfterStart({damaged, UsageHistory::Stop{damaged, StopReason::userQuit}}, std::nullopt), whole);
 }
 
 }  // namespace

@@ -1,0 +1,20 @@
+// Reading and comparing the hosts that site rules are written in.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace ashview::Host {
+
+/// The host of `text` in canonical form: trimmed, lower-case, without
+/// trailing dots, taken out of a whole address when one is given (scheme,
+/// port, path and query are dropped; no label such as "www" is removed).
+/// Nothing when the text is empty, holds a blank, or names no host.
+std::optional<std::string> normalize(std::string_view text);
+
+/// Whether `host` is `rule` or lies under it, by whole labels:
+/// "news.example.com" is under "example.com", "badexample.com" is not.
+bool matches(std::string_view host, std::string_view rule);
+
+}  // namespace ashview::Host

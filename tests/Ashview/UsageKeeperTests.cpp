@@ -1,0 +1,181 @@
+#include "Ashview/UsageKeeper.h"
+
+#include "Ashview/Log.h"
+#include "AshviewCore/AtomicFile.h"
+#include "AshviewCore/Json.h"
+#include "Platform/Sim/SimClock.h"
+#include "Platform/Sim/SimNotificationCenter.h"
+#include "TempFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <sstream>
+
+namespace ashview {
+namespace {
+
+namespace fs = std::filesystem;
+
+class UsageKeeperTest : public ::testing::Test {
+protected:
+    UsageKeeper make() { return UsageKeeper(folder.path(), clock, workspace, log); }
+    fs::path file() const { return folder.path() / "history.json"; }
+    fs::path broken() const { return folder.path() / "history.json.broken"; }
+    UsageHistory onDisk() const { return UsageHistory::fromJson(Json::parse(*AtomicFile::read(file()))); }
+    /// Log lines without their time stamps.
+    std::vector<std::string> lines() const {
+        std::vector<std::string> result;
+        std::istringstream in(out.str());
+        for (std::string line; std::getline(in, line);) result.push_back(line.substr(9));
+        return result;
+    }
+
+    TempFolder folder;
+    SimClock clock;
+    SimNotificationCenter workspace;
+    std::ostringstream out;
+    Log log{out, clock};
+};
+
+TEST_F(UsageKeeperTest, AnOrdinaryQuitAndALogOutEndTheRunDifferently) {
+    {
+        UsageKeeper keeper = make();
+        EXPECT_FALSE(keeper.problem());
+        keeper.start();
+        EXPECT_FALSE(fs::exists(file())) << "starting saves nothing";
+        clock.advance(60);
+        keeper.stop();
+    }
+    UsageHistory first = onDisk();
+    ASSERT_TRUE(first.lastRun && first.lastRun->stop);
+    EXPECT_EQ(first.lastRun->stop->reason, UsageHistory::StopReason::userQuit);
+    EXPECT_EQ(first.lastRun->stop->time, clock.now());
+    EXPECT_EQ(first.began, clock.now() - 60);
+
+    clock.advance(600);
+    UsageKeeper keeper = make();
+    keeper.start();
+    workspace.post(SystemNotification::willPowerOff);
+    EXPECT_TRUE(keeper.isPoweringOff());
+    keeper.stop();
+    EXPECT_EQ(onDisk().lastRun->stop->reason, UsageHistory::StopReason::shutdown);
+    EXPECT_EQ(lines(), std::vector<std::string>{"logging out, restarting, or shutting down"});
+}
+
+TEST_F(UsageKeeperTest, TheBootTimeDecidesHowMuchOfACrashWentUnwatched) {
+    // A run that died 30 minutes ago; the machine has been up for 10 minutes.
+    SimClock bootedRecently(SimClock::defaultStart, Calendar::gregorianUTC(), 600);
+    UsageHistory crashed;
+    crashed.began = bootedRecently.now() - 86400;
+    crashed.lastRun = UsageHistory::Run{bootedRecently.now() - 1800, std::nullopt};
+    UsageStore{folder.path()}.save(crashed);
+
+    auto unobserved = [](const UsageKeeper& keeper) {
+        double total = 0;
+        for (const auto& [day, figures] : keeper.recorder().history().days) total += figures.unobservedSeconds;
+        return total;
+    };
+    {
+        UsageKeeper keeper(folder.path(), bootedRecently, workspace, log);
+        keeper.start();
+        EXPECT_DOUBLE_EQ(unobserved(keeper), 1200.0) << "from the last sign of life up to the boot";
+    }
+    bootedRecently.setBootTimeKnown(false);
+    UsageKeeper keeper(folder.path(), bootedRecently, workspace, log);
+    keeper.start();
+    EXPECT_DOUBLE_EQ(unobserved(keeper), 1800.0) << "without a boot time, up to now";
+}
+
+TEST_F(UsageKeeperTest, ANewerFileIsNeverWrittenOver) {
+    std::string newer = R"({"schemaVersion": 2, "whatever": [1, 2]})";
+    AtomicFile::write(file(), newer);
+    UsageKeeper keeper = make();
+    EXPECT_EQ(keeper.problem(), UsageKeeper::Problem::needsNewerApp);
+    keeper.start();
+    keeper.recorder().record({SiteSighting{"news.example", true, false, false}}, clock.now(), true,
+                             clock.calendar());
+    clock.advance(5);
+    keeper.recorder().record({SiteSighting{"news.example", true, false, false}}, clock.now(), true,
+                             clock.calendar());
+    EXPECT_EQ(keeper.recorder().history().days.begin()->second.sites.at("news.example").seconds, 5.0)
+        << "counting goes on in memory";
+    keeper.saveIfChanged();
+    keeper.clearHistory();
+    keeper.stop();
+    EXPECT_EQ(AtomicFile::read(file()), newer);
+    EXPECT_FALSE(fs::exists(broken()));
+    EXPECT_EQ(lines(), std::vector<std::string>{
+                           "the usage history file is from a newer version, so it is left as it is and not saved"});
+}
+
+TEST_F(UsageKeeperTest, AFileThatCannotBeReadIsLeftAlone) {
+    fs::create_directories(file());  // a folder where the file should be
+    UsageKeeper keeper = make();
+    EXPECT_EQ(keeper.problem(), UsageKeeper::Problem::unreadable);
+    keeper.start();
+    keeper.stop();
+    EXPECT_TRUE(fs::is_directory(file()));
+    EXPECT_TRUE(fs::is_empty(file()));
+    EXPECT_EQ(lines(), std::vector<std::string>{
+                           "could not read the usage history file, so it is left as it is and not saved"});
+}
+
+TEST_F(UsageKeeperTest, ABrokenFileIsSetAsideAndCountingStartsAfresh) {
+    AtomicFile::write(file(), "{ not json");
+    AtomicFile::write(broken(), "an older broken file");
+    UsageKeeper keeper = make();
+    EXPECT_FALSE(keeper.problem());
+    EXPECT_EQ(AtomicFile::read(broken()), "{ not json");
+    EXPECT_FALSE(fs::exists(file()));
+    keeper.start();
+    keeper.stop();
+    EXPECT_EQ(onDisk().began, clock.now());
+    EXPECT_EQ(lines(), std::vector<std::string>{
+                           "the usage history file could not be read, so it was set aside and a new history started"});
+}
+
+TEST_F(UsageKeeperTest, AFailedSaveIsLoggedAndTriedAgain) {
+    fs::path blocked = folder.path() / "data";
+    UsageKeeper keeper(blocked / "inner", clock, workspace, log);
+    keeper.start();
+    AtomicFile::write(blocked, "a file where a folder should be");
+    keeper.saveIfChanged();
+    EXPECT_TRUE(keeper.recorder().hasUnsavedChanges());
+    EXPECT_EQ(lines(), std::vector<std::string>{"could not save the usage history"});
+
+    fs::remove(blocked);
+    keeper.saveIfChanged();
+    EXPECT_FALSE(keeper.recorder().hasUnsavedChanges());
+    EXPECT_TRUE(fs::exists(blocked / "inner" / "history.json"));
+    keeper.saveIfChanged();  // nothing changed: no second line, no failure
+    EXPECT_EQ(lines().size(), 1u);
+}
+
+TEST_F(UsageKeeperTest, ClearingRemovesBothFilesAndWritesAnEmptyHistory) {
+    {
+        UsageKeeper keeper = make();
+        keeper.start();
+        keeper.recorder().record({SiteSighting{"news.example", true, false, false}}, clock.now(), true,
+                                 clock.calendar());
+        clock.advance(5);
+        keeper.recorder().record({SiteSighting{"news.example", true, false, false}}, clock.now(), true,
+                                 clock.calendar());
+        keeper.stop();
+    }
+    ASSERT_FALSE(onDisk().days.empty());
+    AtomicFile::write(broken(), "old");
+    clock.advance(3600);
+    UsageKeeper keeper = make();
+    keeper.start();
+    keeper.clearHistory();
+    EXPECT_FALSE(fs::exists(broken()));
+    UsageHistory cleared = onDisk();
+    EXPECT_EQ(cleared.began, clock.now());
+    EXPECT_TRUE(cleared.days.empty());
+    EXPECT_FALSE(keeper.recorder().hasUnsavedChanges());
+    EXPECT_EQ(out.str(), "10:00:05 usage history cleared\n");
+}
+
+}  // namespace
+}  // namespace ashview

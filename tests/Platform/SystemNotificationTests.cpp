@@ -1,0 +1,79 @@
+#include "Platform/BootTime.h"
+#include "Platform/Sim/SimNotificationCenter.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <string>
+#include <vector>
+
+namespace ashview {
+namespace {
+
+TEST(SimNotificationCenter, DeliversByNameInOrderUntilTheObservationGoes) {
+    SimNotificationCenter center;
+    std::vector<std::string> heard;
+    auto first = center.observe(SystemNotification::screensDidSleep, [&] { heard.push_back("first"); });
+    auto other = center.observe(SystemNotification::screenIsLocked, [&] { heard.push_back("lock"); });
+    auto second = center.observe(SystemNotification::screensDidSleep, [&] { heard.push_back("second"); });
+
+    EXPECT_EQ(center.post(SystemNotification::screensDidSleep), 2u);
+    EXPECT_EQ(heard, (std::vector<std::string>{"first", "second"}));
+
+    first.reset();
+    EXPECT_EQ(center.observerCount(SystemNotification::screensDidSleep), 1u);
+    EXPECT_EQ(center.post(SystemNotification::screensDidSleep), 1u);
+    EXPECT_EQ(center.post(SystemNotification::screensDidWake), 0u);
+    EXPECT_EQ(heard, (std::vector<std::string>{"first", "second", "second"}));
+    EXPECT_EQ(center.posted().size(), 3u);
+}
+
+TEST(SimNotificationCenter, AHandlerMayDropAnotherOrAddOneDuringAPost) {
+    SimNotificationCenter center;
+    int laterRan = 0;
+    int addedRan = 0;
+    std::unique_ptr<NotificationObservation> later;
+    std::unique_ptr<NotificationObservation> added;
+    auto dropper = center.observe("x", [&] {
+        later.reset();
+        if (!added) added = center.observe("x", [&] { ++addedRan; });
+    });
+    later = center.observe("x", [&] { ++laterRan; });
+    EXPECT_EQ(center.post("x"), 1u);
+    EXPECT_EQ(laterRan, 0);
+    EXPECT_EQ(addedRan, 0);
+    center.post("x");
+    EXPECT_EQ(addedRan, 1);
+}
+
+TEST(SimNotificationCenter, AnObservationMayOutliveItsCenter) {
+    std::unique_ptr<NotificationObservation> observation;
+    {
+        SimNotificationCenter center;
+        observation = center.observe("x", [] {});
+    }
+    observation.reset();  // must not touch the gone center
+    SUCCEED();
+}
+
+TEST(BootTime, ReadsTheBtimeLineOfProcStat) {
+    EXPECT_EQ(BootTime::fromProcStat("cpu  1 2 3\nintr 5\nbtime 1763884800\nprocesses 9\n"),
+              Instant::fromUnixSeconds(1763884800.0));
+    EXPECT_EQ(BootTime::fromProcStat("btime 12"), Instant::fromUnixSeconds(12.0));
+    EXPECT_EQ(BootTime::fromProcStat("cpu 1\nbtimex 5\n"), std::nullopt);
+    EXPECT_EQ(BootTime::fromProcStat("btime 17x\n"), std::nullopt);
+    EXPECT_EQ(BootTime::fromProcStat("btime \n"), std::nullopt);
+    EXPECT_EQ(BootTime::fromProcStat("btime -4\n"), std::nullopt);
+    EXPECT_EQ(BootTime::fromProcStat(""), std::nullopt);
+}
+
+TEST(BootTime, TheKernelsBootTimeLiesInThePast) {
+    std::optional<Instant> boot = BootTime::kernel();
+    ASSERT_TRUE(boot.has_value());
+    double nowUnix = std::chrono::duration<double>(std::chrono::system_clock::now().time_since_epoch()).count();
+    EXPECT_LE(boot->unixSeconds(), nowUnix);
+    EXPECT_GT(boot->unixSeconds(), 1.0e9);  // after 2001
+}
+
+}  // namespace
+}  // namespace ashview
