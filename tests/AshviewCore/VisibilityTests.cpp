@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <random>
+
 namespace ashview {
 namespace {
 
@@ -78,6 +80,37 @@ TEST(Visibility, AWindowOutsideTheStackHasNoFraction) {
     EXPECT_EQ(Visibility::uncoveredFraction(1, {}, self), std::nullopt);
     EXPECT_EQ(Visibility::uncoveredFraction(1, stack, self), 1.0) << "the frontmost window has no cover";
     EXPECT_EQ(Visibility::uncoveredFraction(2, stack, self), 0.0) << "the first entry of a number is the one judged";
+}
+
+// The sampling as plainly as it can be said: every point against every cover.
+double pointByPoint(Rect rect, const std::vector<Rect>& covers) {
+    Rect of = rect.standardized();
+    int uncovered = 0;
+    for (int row = 0; row < 16; ++row)
+        for (int column = 0; column < 16; ++column) {
+            Point point{of.x + of.width * 0.0625 * (column + 0.5), of.y + of.height * 0.0625 * (row + 0.5)};
+            bool covered = false;
+            for (const Rect& cover : covers) covered = covered || (cover.intersects(rect) && cover.contains(point));
+            uncovered += !covered;
+        }
+    return uncovered / 256.0;
+}
+
+TEST(Visibility, AgreesWithSamplingPointByPointOnRandomStacks) {
+    std::mt19937 random(7);
+    // Coordinates on a coarse lattice and sizes in multiples of 32, so that
+    // sample points fall exactly on cover edges again and again.
+    std::uniform_int_distribution<int> coordinate(-10, 100);
+    std::uniform_int_distribution<int> extent(-2, 10);
+    auto rect = [&] { return Rect{4.0 * coordinate(random), 4.0 * coordinate(random), 32.0 * extent(random),
+                                  32.0 * extent(random)}; };
+    for (int round = 0; round < 400; ++round) {
+        Rect target = rect();
+        std::vector<Rect> covers(static_cast<std::size_t>(round % 9));
+        for (Rect& cover : covers) cover = rect();
+        ASSERT_EQ(Visibility::uncoveredFraction(target, covers), pointByPoint(target, covers))
+            << "round " << round;
+    }
 }
 
 }  // namespace
