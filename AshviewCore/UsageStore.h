@@ -53,7 +53,8 @@ struct UsageStore final {
     /// cannot be decoded, or of a layout below 1, replaces any earlier broken
     /// file and a fresh history is returned. Throws
     /// std::filesystem::filesystem_error when the file cannot be read or
-    /// cannot be set aside; then nothing was moved.
+    /// cannot be set aside; the file then stays where it was, though an
+    /// earlier broken file may already have been removed.
     Loaded load() const;
     /// Writes `history` atomically, creating the folder when missing. Throws
     /// std::filesystem::filesystem_error when the disk refuses (and

@@ -1,0 +1,101 @@
+#include "AshviewOverlay/WindowList.h"
+
+#include <limits>
+#include <unordered_map>
+#include <unordered_set>
+
+namespace ashview {
+
+namespace {
+
+constexpr std::uint32_t onScreenOptions = WindowServer::onScreenOnly | WindowServer::excludeDesktopElements;
+constexpr std::uint32_t allWindowsOptions = WindowServer::excludeDesktopElements;
+
+bool fitsPID(std::int64_t value) {
+    return value >= std::numeric_limits<std::int32_t>::min() && value <= std::numeric_limits<std::int32_t>::max();
+}
+
+}  // namespace
+
+std::vector<WindowInfo> WindowList::list(std::uint32_t options) const {
+    RawWindowList raw = server_->copyWindowInfo(options, 0);
+    std::vector<WindowInfo> entries;
+    if (!raw) return entries;
+    entries.reserve(raw->size());
+    for (const auto& element : *raw) {
+        if (!element) return {};  // not an array of dictionaries: nothing can be trusted
+        entries.push_back(*element);
+    }
+    return entries;
+}
+
+std::vector<WindowInfo> WindowList::onScreen() const { return list(onScreenOptions); }
+
+std::optional<ForeignWindow> WindowList::normalWindow(const WindowInfo& entry, bool isOnScreen,
+                                                      const Geometry& geometry) {
+    if (!entry.layer || *entry.layer != 0) return std::nullopt;
+    if (!entry.number) return std::nullopt;
+    if (!entry.bounds) return std::nullopt;
+    return ForeignWindow{*entry.number, geometry.cocoa(*entry.bounds), isOnScreen};
+}
+
+std::vector<StackedWindow> WindowList::stack() const {
+    std::vector<StackedWindow> result;
+    for (const WindowInfo& entry : onScreen()) {
+        if (!entry.number || !entry.ownerPID || !fitsPID(*entry.ownerPID) || !entry.layer || !entry.bounds)
+            continue;
+        result.push_back(StackedWindow{*entry.number, static_cast<std::int32_t>(*entry.ownerPID), *entry.layer,
+                                       entry.alpha.value_or(1.0), *entry.bounds});
+    }
+    return result;
+}
+
+std::vector<ForeignWindow> WindowList::windows(const std::string& owner) const {
+    std::vector<ForeignWindow> result;
+    std::vector<WindowInfo> entries = onScreen();
+    Geometry geometry(*server_);
+    for (const WindowInfo& entry : entries) {
+        if (entry.ownerName != owner) continue;
+        if (auto window = normalWindow(entry, true, geometry)) result.push_back(*window);
+    }
+    return result;
+}
+
+std::vector<ForeignWindow> WindowList::windows(std::int32_t pid) const {
+    std::vector<ForeignWindow> result;
+    std::unordered_set<std::int64_t> seen;
+    Geometry geometry(*server_);
+    for (const WindowInfo& entry : onScreen()) {
+        if (entry.ownerPID != std::int64_t{pid}) continue;
+        if (auto window = normalWindow(entry, true, geometry)) {
+            seen.insert(window->number);
+            result.push_back(*window);
+        }
+    }
+    for (const WindowInfo& entry : list(allWindowsOptions)) {
+        if (entry.ownerPID != std::int64_t{pid}) continue;
+        auto window = normalWindow(entry, false, geometry);
+        if (window && !seen.contains(window->number)) result.push_back(*window);
+    }
+    return result;
+}
+
+std::vector<int> WindowList::positions(const std::vector<std::int64_t>& numbers) const {
+    if (numbers.empty()) return {};
+    std::unordered_map<std::int64_t, int> first;
+    int index = 0;
+    for (const WindowInfo& entry : onScreen()) {
+        if (!entry.number) continue;
+        first.try_emplace(*entry.number, index);
+        ++index;
+    }
+    std::vector<int> result;
+    result.reserve(numbers.size());
+    for (std::int64_t number : numbers) {
+        auto found = first.find(number);
+        result.push_back(found == first.end() ? -1 : found->second);
+    }
+    return result;
+}
+
+}  // namespace ashview

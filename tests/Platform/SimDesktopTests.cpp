@@ -1,0 +1,103 @@
+#include "Platform/Sim/SimDesktop.h"
+
+#include <gtest/gtest.h>
+
+namespace ashview {
+namespace {
+
+using Numbers = std::vector<std::int64_t>;
+
+std::vector<SimEvent> heard;
+void listen(std::uint32_t event, void* data, std::size_t, void*) {
+    heard.push_back(SimEvent{event, *static_cast<std::uint32_t*>(data)});
+}
+
+// Registers for every event and asks for all of `windows`.
+void subscribe(SimDesktop& desktop, const Numbers& windows) {
+    const SkyLightEntryPoints& sky = desktop.windowServer().skyLight();
+    for (std::uint32_t event : {804u, 806u, 807u, 808u, 816u}) sky.registerNotifyProc(listen, event, nullptr);
+    std::vector<std::uint32_t> packed(windows.begin(), windows.end());
+    sky.requestNotificationsForWindows(sky.mainConnectionID(), packed.data(), static_cast<std::int32_t>(packed.size()));
+}
+
+SimWindowSpec app(Rect bounds, std::int64_t layer = 0) { return SimWindowSpec{501, "Safari", bounds, layer}; }
+
+TEST(SimDesktop, StacksByLayerThenByOrderWithOverlaysAmongThem) {
+    SimDesktop desktop;
+    std::int64_t a = desktop.openWindow(app(Rect{0, 0, 100, 100}));
+    std::int64_t dock = desktop.openWindow(app(Rect{0, 850, 1440, 50}, 20));
+    std::int64_t b = desktop.openWindow(app(Rect{0, 0, 100, 100}));
+    std::int64_t c = desktop.openWindow(app(Rect{0, 0, 100, 100}));
+    EXPECT_EQ(desktop.onScreenStack(), (Numbers{dock, c, b, a}));
+    desktop.orderRelative(c, false, a);
+    EXPECT_EQ(desktop.onScreenStack(), (Numbers{dock, b, a, c}));
+
+    auto overlay = desktop.overlayWindows().makeWindow(Rect{0, 800, 100, 100}, 0, 2, false);
+    std::int64_t o = overlay->windowNumber();
+    EXPECT_EQ(desktop.onScreenStack(), (Numbers{dock, b, a, c})) << "a new overlay is not on screen";
+    overlay->orderWindow(WindowOrderingMode::above, a);
+    EXPECT_EQ(desktop.onScreenStack(), (Numbers{dock, b, o, a, c}));
+    EXPECT_EQ(desktop.overlayAbove(a), o);
+    EXPECT_EQ(desktop.overlays()[0].directlyAbove, a);
+    EXPECT_EQ(desktop.window(o)->bounds, (Rect{0, 0, 100, 100})) << "Cocoa frame seen in Quartz bounds";
+
+    desktop.orderRelative(c, true, a);  // slips in between overlay and target
+    EXPECT_EQ(desktop.overlayAbove(a), std::nullopt);
+    overlay->orderWindow(WindowOrderingMode::below, c);
+    EXPECT_EQ(desktop.onScreenStack(), (Numbers{dock, b, c, o, a}));
+    overlay->orderWindow(WindowOrderingMode::above, 424242);  // no such window: to the front of its layer
+    EXPECT_EQ(desktop.onScreenStack(), (Numbers{dock, o, b, c, a}));
+    overlay->orderOut();
+    EXPECT_EQ(desktop.onScreenStack(), (Numbers{dock, b, c, a}));
+    EXPECT_EQ(desktop.counts().orderWindowCalls, 3u);
+
+    desktop.setDisplays({Rect{0, 0, 1440, 1000}});
+    EXPECT_EQ(desktop.window(o)->bounds, (Rect{0, 100, 100, 100})) << "the flip follows the primary display";
+    overlay.reset();
+    EXPECT_EQ(desktop.window(o), std::nullopt);
+}
+
+TEST(SimDesktop, ChangesRaiseTheirEventsOnlyForRequestedWindows) {
+    heard.clear();
+    SimDesktop desktop;
+    std::int64_t a = desktop.openWindow(app(Rect{0, 0, 100, 100}));
+    std::int64_t b = desktop.openWindow(app(Rect{0, 0, 100, 100}));
+    std::int64_t mail = desktop.openWindow(SimWindowSpec{502, "Mail", Rect{0, 0, 100, 100}});
+    subscribe(desktop, {a, b, mail});
+    desktop.setBounds(a, Rect{0, 0, 100, 100});  // no change at all
+    desktop.setBounds(a, Rect{0, 0, 150, 100});  // size only
+    desktop.moveBy(b, 0, 0);
+    desktop.restore(a);
+    desktop.closeWindows(501);
+    desktop.setOnScreen(mail, false);  // a Space change tells nothing
+    auto n = [](std::int64_t number) { return static_cast<std::uint32_t>(number); };
+    EXPECT_EQ(heard, (std::vector<SimEvent>{{807, n(a)}, {808, n(a)}, {804, n(a)}, {804, n(b)}}));
+    EXPECT_EQ(desktop.deliveredEvents(), heard);
+    EXPECT_EQ(desktop.onScreenStack(), Numbers{});
+    EXPECT_THROW(desktop.moveBy(a, 1, 1), std::out_of_range);
+    EXPECT_THROW(desktop.orderRelative(mail, true, mail), std::out_of_range);
+}
+
+TEST(SimDesktop, TheSameStepsGiveTheSameWorld) {
+    auto run = [] {
+        heard.clear();
+        SimDesktop desktop;
+        std::vector<std::int64_t> windows;
+        for (int index = 0; index < 6; ++index)
+            windows.push_back(desktop.openWindow(app(Rect{index * 10.0, 0, 300, 200}, index % 2)));
+        subscribe(desktop, windows);
+        std::vector<std::shared_ptr<OverlayWindow>> overlays;
+        for (int index = 0; index < 3; ++index) {
+            overlays.push_back(desktop.overlayWindows().makeWindow(Rect{0, 0, 300, 200}, 0, 2, false));
+            overlays.back()->orderWindow(WindowOrderingMode::above, windows[static_cast<std::size_t>(index) * 2]);
+        }
+        desktop.moveBy(windows[2], 5, 5);
+        desktop.bringToFront(windows[4]);
+        desktop.minimise(windows[0]);
+        return std::make_tuple(desktop.onScreenStack(), desktop.overlayJournal(), heard);
+    };
+    EXPECT_EQ(run(), run());
+}
+
+}  // namespace
+}  // namespace ashview
