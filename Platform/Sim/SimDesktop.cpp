@@ -82,6 +82,8 @@ struct SimDesktop::State : std::enable_shared_from_this<SimDesktop::State> {
     };
 
     SimClock clock;
+    SimNotificationCenter workspace;
+    SimNotificationCenter distributed;
     Server server;
     System system;
     std::vector<Rect> displays{Rect{0, 0, 1440, 900}};
@@ -537,6 +539,8 @@ SimClock& SimDesktop::clock() { return state_->clock; }
 MainLoop& SimDesktop::mainLoop() { return state_->clock; }
 WindowServer& SimDesktop::windowServer() { return state_->server; }
 OverlayWindowSystem& SimDesktop::overlayWindows() { return state_->system; }
+SimNotificationCenter& SimDesktop::workspaceNotifications() { return state_->workspace; }
+SimNotificationCenter& SimDesktop::distributedNotifications() { return state_->distributed; }
 
 void SimDesktop::setDisplays(std::vector<Rect> frames) { state_->displays = std::move(frames); }
 const std::vector<Rect>& SimDesktop::displays() const { return state_->displays; }
@@ -607,6 +611,17 @@ void SimDesktop::restore(std::int64_t number) {
 }
 
 void SimDesktop::setOnScreen(std::int64_t number, bool onScreen) { state_->foreign(number).isOnScreen = onScreen; }
+void SimDesktop::switchSpace(const std::vector<std::int64_t>& leaving, const std::vector<std::int64_t>& arriving) {
+    for (std::int64_t number : leaving) state_->foreign(number);
+    for (std::int64_t number : arriving) state_->foreign(number);
+    for (std::int64_t number : leaving) state_->foreign(number).isOnScreen = false;
+    for (auto at = arriving.rbegin(); at != arriving.rend(); ++at) {
+        state_->foreign(*at).isOnScreen = true;
+        state_->putAtFront(*at);
+    }
+    state_->workspace.post(SystemNotification::activeSpaceDidChange);
+}
+
 void SimDesktop::setAlpha(std::int64_t number, double alpha) { state_->foreign(number).alpha = alpha; }
 void SimDesktop::setLayer(std::int64_t number, std::int64_t layer) { state_->foreign(number).layer = layer; }
 

@@ -26,6 +26,7 @@
 #include "AshviewCore/Rect.h"
 #include "Platform/OverlayWindows.h"
 #include "Platform/Sim/SimClock.h"
+#include "Platform/Sim/SimNotificationCenter.h"
 #include "Platform/WindowServer.h"
 
 #include <cstdint>
@@ -139,6 +140,11 @@ public:
     MainLoop& mainLoop();
     WindowServer& windowServer();
     OverlayWindowSystem& overlayWindows();
+    /// The workspace's center (displays asleep and awake, session switched,
+    /// Space changed, power off) and the distributed one (screen locked and
+    /// unlocked). Tests and scenarios post on them what the system would.
+    SimNotificationCenter& workspaceNotifications();
+    SimNotificationCenter& distributedNotifications();
 
     // Displays: Quartz frames, the primary display first. A display above the
     // primary one has a negative y. An empty list means no display at all.
@@ -168,6 +174,11 @@ public:
     void restore(std::int64_t number);
     /// On or off screen without any event, as when Spaces change.
     void setOnScreen(std::int64_t number, bool onScreen);
+    /// The user moves to another Space: the windows `leaving` go off screen
+    /// and `arriving` come on at the front of their layer, with no
+    /// window-server event; then the workspace posts the Space change. This
+    /// program's overlays belong to every Space and stay.
+    void switchSpace(const std::vector<std::int64_t>& leaving, const std::vector<std::int64_t>& arriving);
     void setAlpha(std::int64_t number, double alpha);
     void setLayer(std::int64_t number, std::int64_t layer);
     /// Removes every window of a process (it quit); event 804 for each.

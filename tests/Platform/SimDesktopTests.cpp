@@ -78,6 +78,29 @@ TEST(SimDesktop, ChangesRaiseTheirEventsOnlyForRequestedWindows) {
     EXPECT_THROW(desktop.orderRelative(mail, true, mail), std::out_of_range);
 }
 
+TEST(SimDesktop, SwitchingSpacesMovesWindowsButNotOverlays) {
+    heard.clear();
+    SimDesktop desktop;
+    std::int64_t here = desktop.openWindow(app(Rect{0, 0, 100, 100}));
+    std::int64_t first = desktop.openWindow(app(Rect{0, 0, 100, 100}));
+    std::int64_t second = desktop.openWindow(app(Rect{0, 0, 100, 100}));
+    desktop.switchSpace({first, second}, {});
+    auto overlay = desktop.overlayWindows().makeWindow(Rect{0, 800, 100, 100}, 0, 2, false);
+    overlay->orderWindow(WindowOrderingMode::above, here);
+    subscribe(desktop, {here, first, second});
+    int changes = 0;
+    auto observation = desktop.workspaceNotifications().observe(SystemNotification::activeSpaceDidChange, [&] {
+        ++changes;
+        EXPECT_EQ(desktop.onScreenStack(), (Numbers{first, second, overlay->windowNumber()}))
+            << "the windows have arrived when the change is told";
+    });
+    desktop.switchSpace({here}, {first, second});
+    EXPECT_EQ(changes, 1);
+    EXPECT_TRUE(heard.empty());
+    EXPECT_THROW(desktop.switchSpace({here}, {999}), std::out_of_range);
+    EXPECT_TRUE(desktop.window(first)->isOnScreen) << "a bad switch changes nothing";
+}
+
 TEST(SimDesktop, TheSameStepsGiveTheSameWorld) {
     auto run = [] {
         heard.clear();
