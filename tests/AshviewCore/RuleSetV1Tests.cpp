@@ -1,0 +1,132 @@
+#include "AshviewCore/Json.h"
+#include "AshviewCore/RuleSetV1.h"
+
+#include <gtest/gtest.h>
+
+namespace ashview {
+namespace {
+
+using When = RuleSetV1::When;
+
+RuleSetV1::Settings old(When when, std::optional<std::int64_t> opens, SitePin pin = SitePin::followSettings) {
+    return RuleSetV1::Settings{{Weekday::monday, Weekday::friday}, opens, pin, when};
+}
+
+When gray(std::int64_t minutes) { return When{When::Kind::grayForMinutes, {}, {}, minutes}; }
+When colorThen(std::int64_t minutes) { return When{When::Kind::colorThenGray, {}, {}, minutes}; }
+
+/// The conversion of one old settings value, as a rule's own settings.
+std::pair<SiteSettings, std::vector<std::string>> convertOne(RuleSetV1::Settings settings) {
+    RuleSetV1 rules{old(When{}, std::nullopt), {{Uuid::random(), "example.com", settings, false}}, {}};
+    auto [converted, notes] = rules.converted();
+    return {converted.sites.at(0).settings, notes};
+}
+
+TEST(RuleSetV1, EveryOldChoiceMapsByTheTable) {
+    const WeekdaySet days{Weekday::monday, Weekday::friday};
+    const auto hour = CountPeriod::hour;
+    struct Case {
+        const char* what;
+        RuleSetV1::Settings settings;
+        SiteSettings expected;
+    };
+    const Case cases[] = {
+        {"whenever open, 2 opens", old(When{}, 2),
+         {std::nullopt, days, GrayTrigger::afterLimit(std::nullopt, 2, hour), StayGray::untilLeave()}},
+        {"whenever open, 0 opens", old(When{}, 0),
+         {std::nullopt, days, GrayTrigger::rightAway(), StayGray::untilLeave()}},
+        {"whenever open, no opens", old(When{}, std::nullopt),
+         {std::nullopt, days, GrayTrigger::rightAway(), StayGray::untilLeave()}},
+        {"during hours", old(When{When::Kind::duringHours, {21, 0}, {7, 30}, 0}, 4),
+         {ActiveHours{{21, 0}, {7, 30}}, days, GrayTrigger::afterLimit(std::nullopt, 4, hour), StayGray::untilLeave()}},
+        {"gray for minutes", old(gray(20), -2),
+         {std::nullopt, days, GrayTrigger::rightAway(), StayGray::forMinutes(20)}},
+        {"color then gray, 3 opens", old(colorThen(5), 3),
+         {std::nullopt, days, GrayTrigger::afterLimit(5, 3, hour), StayGray::untilLeave()}},
+        {"color then gray, no opens", old(colorThen(5), std::nullopt),
+         {std::nullopt, days, GrayTrigger::afterLimit(5, std::nullopt, hour), StayGray::untilLeave()}},
+        {"color then gray, -1 opens", old(colorThen(5), -1),
+         {std::nullopt, days, GrayTrigger::afterLimit(5, std::nullopt, hour), StayGray::untilLeave()}},
+        {"color then gray, 0 opens", old(colorThen(5), 0),
+         {std::nullopt, days, GrayTrigger::rightAway(), StayGray::untilLeave()}},
+        {"until browser quits", old(When{When::Kind::untilBrowserQuits, {}, {}, 0}, 1),
+         {std::nullopt, days, GrayTrigger::afterLimit(std::nullopt, 1, hour), StayGray::untilChromeQuits()}},
+    };
+    for (const Case& item : cases) {
+        auto [settings, notes] = convertOne(item.settings);
+        EXPECT_EQ(settings, item.expected) << item.what;
+        EXPECT_TRUE(notes.empty()) << item.what;
+    }
+}
+
+TEST(RuleSetV1, KeepsIdentitiesAndPinsAndNotesWhatIsLost) {
+    Uuid followerID = Uuid::random();
+    Uuid ownID = Uuid::random();
+    DayOff dayOff{Uuid::random(), "Holiday", 12, 26, std::nullopt};
+    RuleSetV1 rules{
+        old(gray(10), 3, SitePin::grayThisSite),
+        {
+            {followerID, "news.example.org", old(gray(99), 7, SitePin::showInColor), true},
+            {ownID, "example.com", old(gray(20), 2, SitePin::grayThisSite), false},
+        },
+        {dayOff},
+    };
+    auto [converted, notes] = rules.converted();
+    EXPECT_EQ(converted.schemaVersion, 3);
+    EXPECT_EQ(converted.newSiteDefaults.stayGray, StayGray::forMinutes(10));
+    EXPECT_EQ(converted.daysOff, std::vector<DayOff>{dayOff});
+    ASSERT_EQ(converted.sites.size(), 2u);
+    const SiteRule& follower = converted.sites[0];
+    EXPECT_EQ(follower.id, followerID);
+    EXPECT_EQ(follower.host, "news.example.org");
+    EXPECT_EQ(follower.name, std::nullopt);
+    EXPECT_TRUE(follower.usesNewSiteDefaults);
+    EXPECT_EQ(follower.settings, converted.newSiteDefaults);
+    EXPECT_EQ(follower.pin, SitePin::showInColor);
+    EXPECT_EQ(converted.sites[1].id, ownID);
+    EXPECT_FALSE(converted.sites[1].usesNewSiteDefaults);
+    EXPECT_EQ(converted.sites[1].pin, SitePin::grayThisSite);
+    // The follower's own old settings are never converted, so they add no note.
+    EXPECT_EQ(notes, (std::vector<std::string>{
+                         "Defaults for new sites: kept gray for 10 minutes; its limit of 3 opens an hour could not "
+                         "be carried over.",
+                         "example.com: kept gray for 20 minutes; its limit of 2 opens an hour could not be carried "
+                         "over.",
+                     }));
+}
+
+TEST(RuleSetV1, DecodesStrictlyByKind) {
+    const char* good = R"({"schemaVersion": 1, "daysOff": [],
+        "newSiteDefaults": {"days": ["monday"], "pin": "followSettings",
+                            "when": {"kind": "duringHours", "start": {"hour": 9, "minute": 0},
+                                     "end": {"hour": 17, "minute": 0}, "minutes": "ignored"}},
+        "sites": [{"host": "example.com", "id": "11111111-2222-4333-8444-555555555555",
+                   "usesNewSiteDefaults": false, "extra": 1,
+                   "settings": {"days": [], "opensInColorPerHour": null, "pin": "showInColor",
+                                "when": {"kind": "wheneverOpen", "start": "ignored"}}}]})";
+    RuleSetV1 rules = RuleSetV1::decode(good);
+    EXPECT_EQ(rules.newSiteDefaults.when, (When{When::Kind::duringHours, {9, 0}, {17, 0}, 0}));
+    ASSERT_EQ(rules.sites.size(), 1u);
+    EXPECT_EQ(rules.sites[0].settings.pin, SitePin::showInColor);
+    EXPECT_EQ(rules.sites[0].settings.opensInColorPerHour, std::nullopt);
+
+    Json::Value base = Json::parse(good);
+    using Change = void (*)(Json::Value&);
+    const std::pair<const char*, Change> faults[] = {
+        {"hours without end", [](Json::Value& d) { d["newSiteDefaults"]["when"].erase("end"); }},
+        {"unknown when", [](Json::Value& d) { d["newSiteDefaults"]["when"]["kind"] = "sometimes"; }},
+        {"gray without minutes", [](Json::Value& d) { d["newSiteDefaults"]["when"] = {{"kind", "grayForMinutes"}}; }},
+        {"pin missing", [](Json::Value& d) { d["sites"][0]["settings"].erase("pin"); }},
+        {"opens as text", [](Json::Value& d) { d["sites"][0]["settings"]["opensInColorPerHour"] = "2"; }},
+        {"bad id", [](Json::Value& d) { d["sites"][0]["id"] = "nope"; }},
+        {"daysOff missing", [](Json::Value& d) { d.erase("daysOff"); }},
+    };
+    for (const auto& [what, change] : faults) {
+        Json::Value document = base;
+        change(document);
+        EXPECT_THROW(RuleSetV1::decode(document.dump()), Json::DecodingError) << what;
+    }
+}
+
+}  // namespace
+}  // namespace ashview
