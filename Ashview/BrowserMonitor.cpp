@@ -85,11 +85,11 @@ void BrowserMonitor::browserStarted(const Browser& browser) {
         });
     watcher->start(instance->processIdentifier);
     observers_[browser.bundleID] = std::move(watcher);
-    if (!sessionStart) {
+    if (!sessionStart_) {
         std::optional<Instant> earliest;
         for (const auto& [other, app] : running())
             if (app.launchDate && (!earliest || *app.launchDate < *earliest)) earliest = app.launchDate;
-        sessionStart = earliest.value_or(platform_.mainLoop.now());
+        sessionStart_ = earliest.value_or(platform_.mainLoop.now());
     }
     change(browser.name + " is open");
 }
@@ -107,7 +107,7 @@ void BrowserMonitor::browserQuit(const Browser& browser) {
     std::erase_if(allowed_, [&](std::int32_t pid) { return !live.count(pid); });
     if (onBrowserQuit) onBrowserQuit(browser);
     if (stillRunning.empty()) {
-        sessionStart.reset();
+        sessionStart_.reset();
         if (onSessionEnd) onSessionEnd();
     }
 }
@@ -151,15 +151,22 @@ void BrowserMonitor::read() {
     notAllowed_ = std::move(refused);
 }
 
-BrowserMonitor::Status BrowserMonitor::status() const {
+std::vector<Instant> BrowserMonitor::launchDates() const {
+    std::vector<Instant> dates;
+    for (const auto& [browser, app] : running())
+        if (app.launchDate) dates.push_back(*app.launchDate);
+    return dates;
+}
+
+BrowserStatus BrowserMonitor::status() const {
     std::vector<std::pair<Browser, RunningApplication>> pairs = running();
-    if (pairs.empty()) return Status{Status::Kind::noBrowser, std::nullopt};
-    if (notAllowed_.empty()) return Status{Status::Kind::running, std::nullopt};
+    if (pairs.empty()) return BrowserStatus{BrowserStatus::Kind::noBrowser, std::nullopt};
+    if (notAllowed_.empty()) return BrowserStatus{BrowserStatus::Kind::running, std::nullopt};
     bool allRefused = std::all_of(pairs.begin(), pairs.end(), [&](const auto& pair) {
         return std::find(notAllowed_.begin(), notAllowed_.end(), pair.first) != notAllowed_.end();
     });
-    if (allRefused) return Status{Status::Kind::notAllowed, notAllowed_.front()};
-    return Status{Status::Kind::running, std::nullopt};
+    if (allRefused) return BrowserStatus{BrowserStatus::Kind::notAllowed, notAllowed_.front()};
+    return BrowserStatus{BrowserStatus::Kind::running, std::nullopt};
 }
 
 std::vector<ProbedWindow> BrowserMonitor::windows() const {

@@ -15,6 +15,7 @@
 
 #include "Ashview/BrowserAccessibility.h"
 #include "Ashview/BrowserProbe.h"
+#include "Ashview/BrowserSource.h"
 #include "Ashview/ProbedWindow.h"
 #include "AshviewCore/BrowserCatalog.h"
 #include "AshviewCore/Instant.h"
@@ -45,23 +46,8 @@ struct ReadingPlatform final {
     MainLoop& mainLoop;
 };
 
-class BrowserMonitor final {
+class BrowserMonitor final : public BrowserSource {
 public:
-    struct Status final {
-        enum class Kind {
-            /// Every running browser lacks permission; `browser` is the first.
-            notAllowed,
-            /// No catalog browser runs.
-            noBrowser,
-            /// At least one running browser can be read.
-            running,
-        };
-        Kind kind = Kind::noBrowser;
-        std::optional<Browser> browser;
-
-        friend bool operator==(const Status&, const Status&) = default;
-    };
-
     /// Seconds between an application's quit and the check whether its
     /// browser still runs; a quit followed by a relaunch within it is none.
     static constexpr double quitCheckDelay = 1.0;
@@ -71,29 +57,23 @@ public:
     BrowserMonitor& operator=(const BrowserMonitor&) = delete;
     ~BrowserMonitor();
 
-    /// Called with a log-worthy reason whenever something may have changed.
-    std::function<void(const std::string&)> onChange;
-    /// A browser has really quit (no instance of it is left).
-    std::function<void(const Browser&)> onBrowserQuit;
-    /// The last browser has quit; `sessionStart` is already cleared.
-    std::function<void()> onSessionEnd;
-    /// When the browsing session began: the launch of the oldest browser
-    /// running when it began. Absent while no browser runs.
-    std::optional<Instant> sessionStart;
-
     /// Subscribes to the workspace and takes stock of what runs. Once.
-    void start();
+    void start() override;
     /// Reads every running browser once, in catalog order, skipping those
     /// cooling down and those without permission. Blocks for as long as the
     /// browsers' scripts take.
-    void read();
-    Status status() const;
+    void read() override;
+    BrowserStatus status() const override;
     /// Every current reading joined: the frontmost browser's first, then the
     /// browser that last became active, then the rest in catalog order.
-    std::vector<ProbedWindow> windows() const;
+    std::vector<ProbedWindow> windows() const override;
+    /// When the browsing session began: the launch of the oldest browser
+    /// running when it began. Absent while no browser runs.
+    std::optional<Instant> sessionStart() const override { return sessionStart_; }
+    std::vector<Instant> launchDates() const override;
 
     /// Running browsers refused or not permitted, as of the last `read`.
-    const std::vector<Browser>& notAllowed() const { return notAllowed_; }
+    std::vector<Browser> notAllowed() const override { return notAllowed_; }
     /// The last good reading of each browser, by bundle identifier.
     const std::map<std::string, std::vector<ProbedWindow>>& readings() const { return readings_; }
     /// Processes whose permission was confirmed.
@@ -115,6 +95,7 @@ private:
     void change(const std::string& reason) const;
 
     ReadingPlatform platform_;
+    std::optional<Instant> sessionStart_;
     BrowserProbe probe_;
     std::vector<Browser> notAllowed_;
     std::map<std::string, std::vector<ProbedWindow>> readings_;

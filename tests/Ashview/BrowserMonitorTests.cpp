@@ -12,9 +12,9 @@ protected:
     void SetUp() override {
         monitor.onChange = [this](const std::string& reason) { changes.push_back(reason); };
         monitor.onBrowserQuit = [this](const Browser& quit) {
-            events.push_back("quit " + quit.name + (monitor.sessionStart ? " in session" : ""));
+            events.push_back("quit " + quit.name + (monitor.sessionStart() ? " in session" : ""));
         };
-        monitor.onSessionEnd = [this] { events.push_back(monitor.sessionStart ? "end in session" : "end"); };
+        monitor.onSessionEnd = [this] { events.push_back(monitor.sessionStart() ? "end in session" : "end"); };
     }
     std::vector<std::optional<std::string>> hosts(const std::string& bundleID) {
         std::vector<std::optional<std::string>> found;
@@ -39,7 +39,7 @@ TEST_F(BrowserMonitorTest, ReadsEachDialectAndPairsEveryWindowWithItsScreenWindo
     EXPECT_THAT(changes, ElementsAre("Google Chrome is open", "Safari is open"));
 
     monitor.read();
-    EXPECT_EQ(monitor.status().kind, BrowserMonitor::Status::Kind::running);
+    EXPECT_EQ(monitor.status().kind, BrowserStatus::Kind::running);
     // Front to back: the window opened last stands in front.
     EXPECT_THAT(hosts(chrome), ElementsAre("newtab", "news.example.com"));
     EXPECT_THAT(hosts(safari), ElementsAre(std::nullopt, std::nullopt));
@@ -107,7 +107,7 @@ TEST_F(BrowserMonitorTest, SilentBrowserIsLeftAloneForThirtySecondsAndKeepsItsWi
     EXPECT_THAT(changes, ElementsAre("Google Chrome did not answer"));
     EXPECT_EQ(monitor.readings().at(chrome), before);
     EXPECT_TRUE(monitor.notAllowed().empty());
-    EXPECT_EQ(monitor.status().kind, BrowserMonitor::Status::Kind::running);
+    EXPECT_EQ(monitor.status().kind, BrowserStatus::Kind::running);
 
     std::size_t sent = apps.scriptsReceived(chrome);
     desktop.clock().advance(29.9);
@@ -141,7 +141,7 @@ TEST_F(BrowserMonitorTest, RefusedAndUndecidedBrowsersAreNotAllowedAndUndecidedO
     monitor.read();
     EXPECT_EQ(monitor.notAllowed(), std::vector<Browser>{browser(safari)});
     EXPECT_TRUE(monitor.readings().at(safari).empty());
-    EXPECT_EQ(monitor.status().kind, BrowserMonitor::Status::Kind::running);
+    EXPECT_EQ(monitor.status().kind, BrowserStatus::Kind::running);
     // A refusal sets no cooldown: the next pass asks again, and asks the
     // permission anew, since the refusal took the process out of `allowed`.
     EXPECT_FALSE(monitor.allowed().count(s));
@@ -160,7 +160,7 @@ TEST_F(BrowserMonitorTest, RefusedAndUndecidedBrowsersAreNotAllowedAndUndecidedO
     EXPECT_EQ(apps.scriptsReceived(chrome), before);
     EXPECT_EQ(apps.consentPrompts(chrome), 0u);
     // Both refused: the status names the first in catalog order.
-    EXPECT_EQ(monitor.status(), (BrowserMonitor::Status{BrowserMonitor::Status::Kind::notAllowed, browser(chrome)}));
+    EXPECT_EQ(monitor.status(), (BrowserStatus{BrowserStatus::Kind::notAllowed, browser(chrome)}));
 
     apps.setPermission(chrome, SimPermission::allowed);
     monitor.read();
@@ -175,7 +175,7 @@ TEST_F(BrowserMonitorTest, QuitCountsOnlyWhenNoInstanceIsLeftAfterOneSecond) {
     std::int32_t s = apps.launchBrowser(safari);
     monitor.start();
     // The session reaches back to the oldest browser's launch.
-    EXPECT_EQ(monitor.sessionStart, hourAgo);
+    EXPECT_EQ(monitor.sessionStart(), hourAgo);
     monitor.read();
 
     // A second, newer instance: the older one counts.
@@ -204,13 +204,13 @@ TEST_F(BrowserMonitorTest, QuitCountsOnlyWhenNoInstanceIsLeftAfterOneSecond) {
     apps.quit(s);
     desktop.clock().advance(1.0);
     EXPECT_THAT(events, ElementsAre("quit Google Chrome in session", "quit Safari in session", "end"));
-    EXPECT_EQ(monitor.status().kind, BrowserMonitor::Status::Kind::noBrowser);
+    EXPECT_EQ(monitor.status().kind, BrowserStatus::Kind::noBrowser);
     EXPECT_TRUE(monitor.allowed().empty());
 
     // A new session starts at the next launch, at its date.
     desktop.clock().advance(60);
     apps.launchBrowser(safari);
-    EXPECT_EQ(monitor.sessionStart, desktop.clock().now());
+    EXPECT_EQ(monitor.sessionStart(), desktop.clock().now());
 }
 
 TEST_F(BrowserMonitorTest, AccessibilityReportsWindowChangesAndIsTakenUpWhenAllowedLater) {
