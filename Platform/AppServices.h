@@ -66,6 +66,24 @@ public:
     virtual void setBool(std::string_view key, bool value) = 0;
 };
 
+/// The application object of the process: its alerts, its activation and
+/// its end.
+class Application {
+public:
+    Application() = default;
+    Application(const Application&) = delete;
+    Application& operator=(const Application&) = delete;
+    virtual ~Application() = default;
+
+    /// Brings the program to the front.
+    virtual void activate() = 0;
+    /// Shows a modal alert with one button and returns when it is dismissed.
+    virtual void runModalAlert(const std::string& message, const std::string& informativeText) = 0;
+    /// Ends the process's run: the delegate's termination runs, then the run
+    /// loop stops.
+    virtual void terminate() = 0;
+};
+
 /// The services of the platform the program is built for.
 namespace AppServices {
 std::unique_ptr<Updater> systemUpdater();

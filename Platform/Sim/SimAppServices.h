@@ -7,6 +7,7 @@
 
 #include <map>
 #include <string>
+#include <vector>
 
 namespace ashview {
 
@@ -55,6 +56,24 @@ public:
         return std::nullopt;
     }
     void openSystemSettingsLoginItems() override { ++settingsOpened; }
+};
+
+class SimApplicationShell final : public Application {
+public:
+    struct Alert final {
+        std::string message;
+        std::string informativeText;
+        friend bool operator==(const Alert&, const Alert&) = default;
+    };
+    std::vector<Alert> alerts;
+    int activations = 0;
+    int terminations = 0;
+
+    void activate() override { ++activations; }
+    void runModalAlert(const std::string& message, const std::string& informativeText) override {
+        alerts.push_back(Alert{message, informativeText});
+    }
+    void terminate() override { ++terminations; }
 };
 
 class SimUserDefaults final : public UserDefaults {
