@@ -5,6 +5,7 @@
 #include "AshviewCore/Instant.h"
 
 #include <cstdint>
+#include <string>
 
 namespace ashview {
 
@@ -19,6 +20,11 @@ struct ClockTime final {
     /// (inside) to `end` (outside), to the minute. A span whose start lies
     /// after its end runs over midnight; equal times are an empty span.
     bool contains(Instant now, const Calendar& calendar, ClockTime end) const;
+    /// The time as the calendar's locale writes a short clock time ("9:05 AM",
+    /// "09:05"), in plain blanks only: the no-break spaces some locales put
+    /// before the day-period mark come out as U+0020. Out-of-range fields are
+    /// carried over as a clock does (25:00 reads as 1:00).
+    std::string formatted(const Calendar& calendar) const;
 
     friend bool operator==(const ClockTime&, const ClockTime&) = default;
 };

@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <string_view>
 #include <variant>
 
 namespace ashview {
@@ -15,6 +16,10 @@ namespace ashview {
 /// the current local day; or the current browsing session, which ends when
 /// every browser has quit (no meaning for an app).
 enum class CountPeriod { hour, day, session };
+
+/// The period as the end of a rule's sentence: "in an hour", "in a day",
+/// "in one browsing session".
+std::string_view phrase(CountPeriod period);
 
 struct GrayTrigger final {
     /// Gray as soon as the site is open.

@@ -51,6 +51,15 @@ struct RuleSet final {
     /// The rule of the app `bundleID`, or nothing, also for an identifier
     /// that could never be an app key.
     std::optional<SiteRule> app(std::string_view bundleID) const;
+    /// The sentence of the settings that apply to `rule`, followed by
+    /// " Keep gray is on." or " Keep in color is on." for a pin, and by
+    /// " Off today." unless the rule's days hold the weekday of `now` and
+    /// `now` is no day off. The pin does not silence " Off today.".
+    std::string summary(const SiteRule& rule, Instant now, const Calendar& calendar) const;
+    /// The name under which `host` is shown: the name (or host) of the first
+    /// rule whose host is exactly this text; else the text without a leading
+    /// "app:"; else the text as it is.
+    std::string displayName(std::string_view host) const;
 
     // Edits. Each checks everything before it changes anything.
 

@@ -8,6 +8,7 @@
 #include "AshviewCore/Weekday.h"
 
 #include <optional>
+#include <string>
 
 namespace ashview {
 
@@ -28,6 +29,13 @@ struct SiteSettings final {
     /// limit trigger with no limit, or a gray time below 1 minute. Sets no
     /// upper bound, and accepts equal start and end times.
     void validate() const;
+
+    /// The settings told back as one English sentence, beginning with a
+    /// capital letter and ending in ".": "Weekdays from 9:00 AM to 5:00 PM,
+    /// it turns gray after 20 minutes or 5 opens in a day and stays gray until
+    /// you leave it." Only day names and clock times come from the calendar's
+    /// locale.
+    std::string sentence(const Calendar& calendar) const;
 
     friend bool operator==(const SiteSettings&, const SiteSettings&) = default;
 };

@@ -41,4 +41,19 @@ std::string lowercased(std::string_view text) {
     return out;
 }
 
+std::string uppercasingFirst(std::string_view text) {
+    if (text.empty() || text.size() > static_cast<std::size_t>(INT32_MAX)) return std::string(text);
+    const auto* bytes = reinterpret_cast<const uint8_t*>(text.data());
+    int32_t end = 0;
+    UChar32 first = 0;
+    U8_NEXT(bytes, end, static_cast<int32_t>(text.size()), first);
+    if (first < 0) return std::string(text);
+    icu::UnicodeString head(first);
+    head.toUpper(icu::Locale::getRoot());
+    std::string out;
+    head.toUTF8String(out);
+    out.append(text.substr(static_cast<std::size_t>(end)));
+    return out;
+}
+
 }  // namespace ashview::Text

@@ -109,6 +109,8 @@ bool SimClock::runNext() {
     return false;
 }
 
+void SimClock::block(double seconds) { elapsedNanos_ += toNanos(seconds); }
+
 void SimClock::shiftWallClock(double seconds) { wallShift_ += seconds; }
 
 void SimClock::setCalendar(Calendar calendar) { calendar_ = std::move(calendar); }

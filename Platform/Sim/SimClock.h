@@ -55,6 +55,11 @@ public:
     /// Returns false, without moving, when no task waits.
     bool runNext();
 
+    /// The main thread is busy for `seconds` (negative counts as 0), as in a
+    /// synchronous call that blocks: both clocks move on and nothing runs.
+    /// Tasks that fell due meanwhile run late, at the next advance, in their
+    /// order. May be called from inside a task.
+    void block(double seconds);
     /// Moves the wall clock by `seconds` (either way) without moving uptime or
     /// running anything: a clock set by the user, or a machine that slept.
     void shiftWallClock(double seconds);

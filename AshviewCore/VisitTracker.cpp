@@ -1,0 +1,362 @@
+#include "AshviewCore/VisitTracker.h"
+
+#include "AshviewCore/AppKey.h"
+#include "AshviewCore/Policy.h"
+#include "AshviewCore/SiteLookup.h"
+
+#include <algorithm>
+#include <cmath>
+#include <string_view>
+#include <unordered_set>
+#include <utility>
+
+namespace ashview {
+
+namespace {
+
+/// The start of the counting window of `per` at `now`; nothing for the
+/// session, whose counts are running totals.
+std::optional<Instant> windowStart(CountPeriod per, Instant now, const Calendar& calendar) {
+    switch (per) {
+    case CountPeriod::hour:
+        return now - 3600.0;
+    case CountPeriod::day:
+        return calendar.startOfDay(now);
+    case CountPeriod::session:
+        return std::nullopt;
+    }
+    return std::nullopt;
+}
+
+/// Opens and on-screen seconds used within the window of `per`.
+struct Used final {
+    std::int64_t opens = 0;
+    double seconds = 0;
+};
+
+Used usedIn(CountPeriod per, const SiteUsage& usage, Instant now, const Calendar& calendar) {
+    std::optional<Instant> start = windowStart(per, now, calendar);
+    if (!start) return Used{usage.sessionOpens, usage.sessionSeconds};
+    return Used{usage.opensAfter(*start), usage.secondsAfter(*start)};
+}
+
+/// What the second sweep decided for one rule `host`.
+struct Decided final {
+    bool active = false;
+    bool gray = false;
+};
+
+}  // namespace
+
+std::int64_t SiteUsage::opensAfter(Instant start) const {
+    return static_cast<std::int64_t>(
+        std::count_if(opens.begin(), opens.end(), [&](Instant open) { return open > start; }));
+}
+
+double SiteUsage::secondsAfter(Instant start) const {
+    double seconds = 0;
+    for (const DateInterval& interval : onScreen) {
+        seconds += std::max(0.0, interval.end - std::max(interval.start, start));
+    }
+    return seconds;
+}
+
+void SiteUsage::addOnScreen(DateInterval interval) {
+    if (!onScreen.empty() && onScreen.back().end >= interval.start) {
+        onScreen.back().end = std::max(onScreen.back().end, interval.end);
+    } else {
+        onScreen.push_back(interval);
+    }
+    sessionSeconds += interval.duration();
+}
+
+void VisitTracker::addOnScreenTime(Instant until) {
+    std::optional<DateInterval> span;
+    if (lastUpdate_) {
+        double gap = until - *lastUpdate_;
+        if (gap > 0 && gap <= longestCountedGap) span = DateInterval{*lastUpdate_, until};
+    }
+    Instant cutOff = until - retentionHorizon;
+    for (auto& [host, site] : usage_) {
+        if (span && site.clockRunning) site.addOnScreen(*span);
+        std::erase_if(site.opens, [&](Instant open) { return open < cutOff; });
+        std::erase_if(site.onScreen, [&](const DateInterval& interval) { return interval.end < cutOff; });
+    }
+}
+
+bool VisitTracker::limitPassed(const GrayTrigger& trigger, const SiteUsage& usage, Instant now,
+                               const Calendar& calendar) {
+    const GrayTrigger::AfterLimit* limit = trigger.limit();
+    if (limit == nullptr) return true;
+    Used used = usedIn(limit->per, usage, now, calendar);
+    // One past the opens limit: with 3 allowed, the fourth open turns gray.
+    if (limit->opens && used.opens > *limit->opens) return true;
+    if (!limit->minutes) return false;
+    return used.seconds >= static_cast<double>(*limit->minutes) * 60.0;
+}
+
+VisitTracker::Appearances VisitTracker::update(const RuleSet& rules, const std::vector<BrowserWindow>& windows,
+                                               Instant now, const Calendar& calendar, const Requests& requests,
+                                               std::optional<Instant> showInColorUntil) {
+    addOnScreenTime(now);
+    lastUpdate_ = now;
+
+    std::unordered_set<std::string_view> listed;
+    listed.reserve(rules.sites.size());
+    for (const SiteRule& rule : rules.sites) listed.insert(rule.host);
+    std::erase_if(usage_, [&](const auto& entry) { return !listed.contains(entry.first); });
+
+    SiteLookup lookup(rules.sites);
+    // The rule of each window, or null.
+    std::vector<const SiteRule*> ruleOf(windows.size(), nullptr);
+    for (std::size_t index = 0; index < windows.size(); ++index) {
+        if (windows[index].host) ruleOf[index] = lookup.find(*windows[index].host);
+    }
+
+    bool hadStartingPoint = hasStartingPoint_;
+    hasStartingPoint_ = true;
+
+    // First sweep: which windows are new opens, and which windows each site has.
+    std::unordered_map<WindowKey, std::string> nextSiteByWindow;
+    std::unordered_map<std::string_view, std::int64_t> newOpens;
+    std::unordered_map<std::string_view, std::vector<const BrowserWindow*>> windowsBySite;
+    nextSiteByWindow.reserve(windows.size());
+    for (std::size_t index = 0; index < windows.size(); ++index) {
+        const SiteRule* rule = ruleOf[index];
+        if (rule == nullptr) continue;
+        const BrowserWindow& window = windows[index];
+        windowsBySite[rule->host].push_back(&window);
+        auto known = siteByWindow_.find(window.id);
+        bool countedHere = known != siteByWindow_.end() && known->second == rule->host;
+        bool newOpen = hadStartingPoint && !countedHere;
+        if (!newOpen || window.isOnScreen) {
+            nextSiteByWindow[window.id] = rule->host;
+        } else if (known != siteByWindow_.end()) {
+            // Turned to this site out of sight: the open waits until the
+            // window is seen, and it keeps its old site until then.
+            nextSiteByWindow[window.id] = known->second;
+        }
+        if (newOpen && window.isOnScreen) newOpens[rule->host] += 1;
+    }
+    siteByWindow_ = std::move(nextSiteByWindow);
+
+    // Second sweep: advance every listed site.
+    static const std::vector<const BrowserWindow*> noWindows;
+    std::unordered_map<std::string_view, Decided> decided;
+    decided.reserve(rules.sites.size());
+    for (const SiteRule& rule : rules.sites) {
+        SiteSettings settings = rules.effectiveSettings(rule);
+        bool active = Policy::ruleIsActive(settings, rules, now, calendar);
+        auto found = windowsBySite.find(rule.host);
+        const std::vector<const BrowserWindow*>& siteWindows = found == windowsBySite.end() ? noWindows : found->second;
+        SiteUsage& site = usage_[rule.host];
+        bool anyOnScreen = std::any_of(siteWindows.begin(), siteWindows.end(),
+                                       [](const BrowserWindow* window) { return window->isOnScreen; });
+
+        if (!active) {
+            // Outside the rule's time nothing is counted: the opens of this
+            // pass are lost, and the latch waits for the next active time.
+            site.phase = SiteUsage::Phase::color();
+            site.wasActive = false;
+            site.clockRunning = false;
+            decided[rule.host] = Decided{false, false};
+            continue;
+        }
+
+        bool untilQuit = settings.stayGray.kind() == StayGray::Kind::untilChromeQuits;
+        if (!untilQuit) site.latched = false;
+
+        std::int64_t opened = 0;
+        if (auto counted = newOpens.find(rule.host); counted != newOpens.end()) opened = counted->second;
+        // A site already on screen when its rule comes into force counts as
+        // opened then, except on a first pass.
+        if (opened == 0 && !site.wasActive && anyOnScreen && hadStartingPoint) opened = 1;
+        if (opened > 0) {
+            site.opens.insert(site.opens.end(), static_cast<std::size_t>(opened), now);
+            site.sessionOpens += opened;
+        }
+        site.wasActive = true;
+        site.clockRunning = anyOnScreen;
+
+        bool hasWindow = !siteWindows.empty();
+        switch (site.phase.kind()) {
+        case SiteUsage::Phase::Kind::color:
+            if (hasWindow && (site.latched || limitPassed(settings.trigger, site, now, calendar))) {
+                site.phase = SiteUsage::Phase::gray(now);
+                site.latched = untilQuit;
+            }
+            break;
+        case SiteUsage::Phase::Kind::gray:
+            if (const StayGray::ForMinutes* timed = settings.stayGray.timed()) {
+                double elapsed = now - site.phase.grayPhase()->since;
+                if (elapsed >= static_cast<double>(timed->minutes) * 60.0) {
+                    site.phase = hasWindow ? SiteUsage::Phase::colorForRestOfVisit() : SiteUsage::Phase::color();
+                }
+            } else if (!hasWindow) {
+                site.phase = SiteUsage::Phase::color();
+            }
+            break;
+        case SiteUsage::Phase::Kind::colorForRestOfVisit:
+            if (!hasWindow) site.phase = SiteUsage::Phase::color();
+            break;
+        }
+        decided[rule.host] = Decided{true, site.phase.kind() == SiteUsage::Phase::Kind::gray};
+    }
+
+    bool showInColor = showInColorUntil && now < *showInColorUntil;
+    auto requested = [&](const WindowKey& key) {
+        auto found = requests.find(key);
+        return found != requests.end() && found->second == WindowRequest::grayThisWindow;
+    };
+
+    // Third sweep: each window's appearance, by the first reason that holds.
+    Appearances result;
+    result.reserve(windows.size());
+    for (std::size_t index = 0; index < windows.size(); ++index) {
+        const BrowserWindow& window = windows[index];
+        const SiteRule* rule = ruleOf[index];
+        Appearance appearance;
+        if (requested(window.id)) {
+            appearance = Appearance::gray;
+        } else if (rule == nullptr) {
+            appearance = Appearance::notListed;
+        } else if (showInColor) {
+            appearance = Appearance::color;
+        } else if (rule->pin == SitePin::grayThisSite) {
+            appearance = Appearance::gray;
+        } else if (rule->pin == SitePin::showInColor) {
+            appearance = Appearance::color;
+        } else {
+            const Decided& site = decided[rule->host];
+            appearance = site.active && site.gray ? Appearance::gray : Appearance::color;
+        }
+        result[window.id] = appearance;
+    }
+
+    // Fourth sweep: what was seen of each rule.
+    std::vector<SiteSighting> seen;
+    seen.reserve(rules.sites.size());
+    for (const SiteRule& rule : rules.sites) {
+        SiteSighting sighting{rule.host, false, false, false};
+        bool allGray = true;
+        bool anyRequested = false;
+        if (auto found = windowsBySite.find(rule.host); found != windowsBySite.end()) {
+            for (const BrowserWindow* window : found->second) {
+                if (!window->isOnScreen) continue;
+                sighting.visible = true;
+                if (result[window->id] != Appearance::gray) allGray = false;
+                if (requested(window->id)) anyRequested = true;
+            }
+        }
+        sighting.gray = sighting.visible && allGray;
+        const Decided& site = decided[rule.host];
+        sighting.automaticGray = sighting.gray && rule.pin == SitePin::followSettings && site.active && site.gray &&
+                                 !showInColor && !anyRequested;
+        seen.push_back(std::move(sighting));
+    }
+    sightings_ = std::move(seen);
+    return result;
+}
+
+void VisitTracker::browserQuit() {
+    std::erase_if(siteByWindow_, [](const auto& entry) { return !AppKey::isApp(entry.second); });
+    for (auto& [host, site] : usage_) {
+        if (AppKey::isApp(host)) continue;
+        site.sessionOpens = 0;
+        site.sessionSeconds = 0.0;
+        site.latched = false;
+        site.phase = SiteUsage::Phase::color();
+        site.wasActive = false;
+        site.clockRunning = false;
+    }
+    for (SiteSighting& sighting : sightings_) {
+        if (AppKey::isApp(sighting.host)) continue;
+        sighting.visible = false;
+        sighting.gray = false;
+        sighting.automaticGray = false;
+    }
+}
+
+SiteStatus VisitTracker::status(const SiteRule& of, const RuleSet& rules, Instant now,
+                                const Calendar& calendar) const {
+    SiteSettings settings = rules.effectiveSettings(of);
+    static const SiteUsage nothingCounted;
+    auto found = usage_.find(of.host);
+    const SiteUsage& site = found == usage_.end() ? nothingCounted : found->second;
+
+    SiteStatus status;
+    if (const GrayTrigger::AfterLimit* limit = settings.trigger.limit()) {
+        Used used = usedIn(limit->per, site, now, calendar);
+        status.opensUsed = used.opens;
+        status.opensLimit = limit->opens;
+        status.minutesUsed = static_cast<std::int64_t>(std::trunc(used.seconds / 60.0));
+        status.minutesLimit = limit->minutes;
+        status.period = limit->per;
+    }
+
+    std::optional<Weekday> today = Weekday::from(now, calendar);
+    if (of.pin == SitePin::showInColor) {
+        status.state = SiteStatus::State::keptInColor;
+    } else if (of.pin == SitePin::grayThisSite) {
+        status.state = SiteStatus::State::keptGray;
+    } else if (rules.isSharedDayOff(now, calendar)) {
+        status.state = SiteStatus::State::dayOff;
+    } else if (!today || !settings.days.contains(*today)) {
+        status.state = SiteStatus::State::notToday;
+    } else if (settings.hours && !settings.hours->start.contains(now, calendar, settings.hours->end)) {
+        status.state = SiteStatus::State::outsideHours;
+    } else if (site.phase.kind() == SiteUsage::Phase::Kind::gray) {
+        status.state = SiteStatus::State::gray;
+    } else {
+        status.state = SiteStatus::State::color;
+    }
+    return status;
+}
+
+TrackerSnapshot VisitTracker::snapshot(Instant now, std::optional<Instant> sessionStart) const {
+    Instant cutOff = now - retentionHorizon;
+    TrackerSnapshot saved;
+    saved.schemaVersion = TrackerSnapshot::currentSchemaVersion;
+    saved.savedAt = now;
+    saved.sessionStart = sessionStart;
+    for (const auto& [host, site] : usage_) {
+        TrackerSnapshot::SiteCounts counts;
+        for (Instant open : site.opens) {
+            if (open >= cutOff) counts.opens.push_back(open);
+        }
+        for (const DateInterval& interval : site.onScreen) {
+            if (interval.end >= cutOff) counts.onScreen.push_back(DateInterval{std::max(interval.start, cutOff), interval.end});
+        }
+        counts.sessionOpens = site.sessionOpens;
+        counts.sessionSeconds = site.sessionSeconds;
+        saved.sites.emplace(host, std::move(counts));
+    }
+    return saved;
+}
+
+void VisitTracker::restore(const TrackerSnapshot& saved, Instant now, bool sessionContinues) {
+    *this = VisitTracker();
+    double age = now - saved.savedAt;
+    bool datedUsable = age >= 0 && age <= retentionHorizon;
+    Instant cutOff = now - retentionHorizon;
+    for (const auto& [host, counts] : saved.sites) {
+        SiteUsage site;
+        if (datedUsable) {
+            for (Instant open : counts.opens) {
+                if (open >= cutOff && open <= now) site.opens.push_back(open);
+            }
+            for (const DateInterval& interval : counts.onScreen) {
+                if (interval.duration() >= 0 && interval.start <= now && interval.end >= cutOff) {
+                    site.onScreen.push_back(DateInterval{interval.start, std::min(interval.end, now)});
+                }
+            }
+        }
+        if (sessionContinues) {
+            site.sessionOpens = counts.sessionOpens;
+            site.sessionSeconds = counts.sessionSeconds;
+        }
+        usage_.emplace(host, std::move(site));
+    }
+}
+
+}  // namespace ashview
