@@ -29,12 +29,25 @@ struct Calendar::Prototype {
     std::unique_ptr<icu::DateFormat> shortTime;
     std::unique_ptr<icu::DateFormat> mediumDate;
 
-    /// A working copy positioned at `instant`.
-    std::unique_ptr<icu::Calendar> at(Instant instant) const {
-        std::unique_ptr<icu::Calendar> copy(calendar->clone());
+    // One working calendar per prototype, reset before each use, so that a
+    // question costs no ICU clone; and the fields of the last instant asked,
+    // since one read pass asks about the same `now` once per rule.
+    mutable std::unique_ptr<icu::Calendar> working;
+    mutable std::optional<std::pair<double, DateComponents>> lastComponents;
+
+    /// The working calendar positioned at `instant`. Valid until the next call.
+    icu::Calendar* at(Instant instant) const {
+        if (!working) working.reset(calendar->clone());
         UErrorCode status = U_ZERO_ERROR;
-        copy->setTime(toUDate(instant), status);
-        return copy;
+        working->clear();
+        working->setTime(toUDate(instant), status);
+        return working.get();
+    }
+    /// The working calendar with every field cleared.
+    icu::Calendar* cleared() const {
+        if (!working) working.reset(calendar->clone());
+        working->clear();
+        return working.get();
     }
 };
 
@@ -78,6 +91,8 @@ Calendar Calendar::withIdentifier(std::string identifier) const {
 }
 
 DateComponents Calendar::components(Instant instant) const {
+    const auto& cached = prototype_->lastComponents;
+    if (cached && cached->first == instant.seconds) return cached->second;
     auto calendar = prototype_->at(instant);
     UErrorCode status = U_ZERO_ERROR;
     DateComponents parts;
@@ -89,6 +104,7 @@ DateComponents Calendar::components(Instant instant) const {
     parts.second = calendar->get(UCAL_SECOND, status);
     parts.weekday = calendar->get(UCAL_DAY_OF_WEEK, status);
     if (U_FAILURE(status)) return DateComponents{};
+    prototype_->lastComponents = std::pair{instant.seconds, parts};
     return parts;
 }
 
@@ -123,8 +139,7 @@ std::optional<Instant> Calendar::date(long year, long month, long day, long hour
     for (long field : {year, month, day, hour, minute, second}) {
         if (field > limit || field < -limit) return std::nullopt;
     }
-    std::unique_ptr<icu::Calendar> calendar(prototype_->calendar->clone());
-    calendar->clear();
+    auto calendar = prototype_->cleared();
     calendar->set(UCAL_YEAR, static_cast<int32_t>(year));
     calendar->set(UCAL_MONTH, static_cast<int32_t>(month - 1));
     calendar->set(UCAL_DATE, static_cast<int32_t>(day));

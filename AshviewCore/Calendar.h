@@ -4,8 +4,9 @@
 // weekday, date and clock time of an instant, the start and the interval of a
 // local day, adding days, weekday names and the locale's short time and medium
 // date forms. Calendars are immutable values; two are equal when their three
-// names are. Copies share one ICU prototype, which is never changed, so a copy
-// is cheap and safe to hand around on one thread.
+// names are. Copies share one ICU prototype and its working state, so a copy
+// is cheap; a calendar and its copies are for use on one thread at a time,
+// as everything in the program runs on the main thread.
 #pragma once
 
 #include "AshviewCore/DateInterval.h"
