@@ -5,11 +5,23 @@
 #include <cerrno>
 #include <fcntl.h>
 #include <iostream>
+#include <map>
+#include <vector>
 #include <sys/file.h>
 #include <system_error>
 #include <unistd.h>
 
 namespace ashview::InstanceLock {
+
+namespace {
+
+/// The descriptors this process holds, by folder.
+std::map<std::filesystem::path, std::vector<int>>& held() {
+    static std::map<std::filesystem::path, std::vector<int>> descriptors;
+    return descriptors;
+}
+
+}  // namespace
 
 bool anotherCopyIsRunning(const std::filesystem::path& folder, std::ostream& errors) {
     std::error_code ignored;
@@ -22,7 +34,8 @@ bool anotherCopyIsRunning(const std::filesystem::path& folder, std::ostream& err
         return false;
     }
     if (::flock(descriptor, LOCK_EX | LOCK_NB) == 0) {
-        // Deliberately never closed: the lock lasts as long as the process.
+        // Closed only by `letGo`: the lock lasts as long as the process.
+        held()[std::filesystem::weakly_canonical(folder)].push_back(descriptor);
         return false;
     }
     int error = errno;
@@ -31,5 +44,12 @@ bool anotherCopyIsRunning(const std::filesystem::path& folder, std::ostream& err
 }
 
 bool anotherCopyIsRunning(const std::filesystem::path& folder) { return anotherCopyIsRunning(folder, std::cerr); }
+
+void letGo(const std::filesystem::path& folder) {
+    auto found = held().find(std::filesystem::weakly_canonical(folder));
+    if (found == held().end()) return;
+    for (int descriptor : found->second) ::close(descriptor);
+    held().erase(found);
+}
 
 }  // namespace ashview::InstanceLock

@@ -6,8 +6,10 @@
 #include "AshviewCore/GrayTrigger.h"
 #include "AshviewCore/RuleSet.h"
 #include "AshviewCore/SiteSettings.h"
+#include "AshviewCore/SiteStatus.h"
 #include "AshviewCore/Text.h"
 
+#include <algorithm>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -124,6 +126,36 @@ std::string SiteSettings::sentence(const Calendar& calendar) const {
     text += stayPhrase(stayGray);
     text += ".";
     return text;
+}
+
+std::string SiteStatus::text() const {
+    switch (state) {
+        case State::keptGray: return "Kept gray";
+        case State::keptInColor: return "Kept in color";
+        case State::dayOff: return "Off today: day off";
+        case State::notToday: return "Off today";
+        case State::outsideHours: return "Off now: outside its hours";
+        case State::gray: return "Gray now";
+        case State::color: break;
+    }
+    if (!period) return "Turns gray when you open it";
+    // The unit's plural follows the limit, so "0 of 1 minute" and "1 of 1 minute".
+    auto part = [](std::int64_t used, std::int64_t limit, std::string_view unit) {
+        std::string text = std::to_string(std::min(used, limit)) + " of " + std::to_string(limit) + " ";
+        text += unit;
+        if (limit != 1) text += 's';
+        return text;
+    };
+    std::string parts;
+    if (minutesLimit) parts = part(minutesUsed, *minutesLimit, "minute");
+    if (opensLimit) {
+        if (!parts.empty()) parts += " and ";
+        parts += part(opensUsed, *opensLimit, "open");
+    }
+    std::string_view when = *period == CountPeriod::hour  ? "this hour"
+                            : *period == CountPeriod::day ? "today"
+                                                          : "this browsing session";
+    return "In color: " + parts + " " + std::string(when);
 }
 
 std::string RuleSet::summary(const SiteRule& rule, Instant now, const Calendar& calendar) const {

@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <string>
 
 namespace ashview {
 
@@ -41,6 +42,11 @@ struct SiteStatus final {
     std::optional<std::int64_t> minutesLimit;
     /// The period the figures cover; absent when the site turns gray right away.
     std::optional<CountPeriod> period;
+
+    /// The state in a few English words, as the menu shows it: "Gray now",
+    /// "Off today", "In color: 3 of 10 minutes and 1 of 2 opens this hour".
+    /// The figures never show more used than the limit allows.
+    std::string text() const;
 
     friend bool operator==(const SiteStatus&, const SiteStatus&) = default;
 };

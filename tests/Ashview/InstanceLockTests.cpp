@@ -45,6 +45,12 @@ TEST(InstanceLock, OneCopyPerDataFolder) {
     EXPECT_TRUE(answerOfAnotherProcess(folder));
     // A copy with its own data folder runs beside it.
     EXPECT_FALSE(answerOfAnotherProcess(temp.path() / "elsewhere"));
+
+    // Once this process lets go, the next copy may run.
+    InstanceLock::letGo(folder / "..");  // another folder: changes nothing
+    EXPECT_TRUE(answerOfAnotherProcess(folder));
+    InstanceLock::letGo(folder / ".." / "on demand");  // this one, written another way
+    EXPECT_FALSE(answerOfAnotherProcess(folder));
 }
 
 TEST(InstanceLock, TheLockEndsWithAKilledHolder) {

@@ -1,5 +1,6 @@
 #include "AshviewCore/RuleSet.h"
 #include "AshviewCore/SiteSettings.h"
+#include "AshviewCore/SiteStatus.h"
 
 #include <gtest/gtest.h>
 
@@ -139,6 +140,40 @@ TEST(RuleSentences, DisplayNamesPreferTheRuleThenDropTheAppPrefix) {
     EXPECT_EQ(rules.displayName("app:com.example.tool"), "com.example.tool");
     EXPECT_EQ(rules.displayName("www.example.com"), "www.example.com");
     EXPECT_EQ(rules.displayName("app:"), "");
+}
+
+}  // namespace
+}  // namespace ashview
+
+namespace ashview {
+namespace {
+
+TEST(SiteStatusText, NamesWhyASiteLooksAsItDoes) {
+    using State = SiteStatus::State;
+    const std::vector<std::pair<State, std::string>> words{
+        {State::keptGray, "Kept gray"},   {State::keptInColor, "Kept in color"},
+        {State::dayOff, "Off today: day off"}, {State::notToday, "Off today"},
+        {State::outsideHours, "Off now: outside its hours"}, {State::gray, "Gray now"},
+    };
+    for (const auto& [state, text] : words) {
+        // The figures don't change the words of these states.
+        EXPECT_EQ((SiteStatus{state, 2, 3, 4, 5, CountPeriod::hour}).text(), text);
+    }
+    EXPECT_EQ((SiteStatus{State::color, 0, std::nullopt, 0, std::nullopt, std::nullopt}).text(),
+              "Turns gray when you open it");
+}
+
+TEST(SiteStatusText, ShowsTheUsedFiguresCappedAtTheLimitMinutesFirst) {
+    using State = SiteStatus::State;
+    EXPECT_EQ((SiteStatus{State::color, 0, std::nullopt, 7, 5, CountPeriod::day}).text(),
+              "In color: 5 of 5 minutes today");
+    EXPECT_EQ((SiteStatus{State::color, 1, 2, 3, 10, CountPeriod::hour}).text(),
+              "In color: 3 of 10 minutes and 1 of 2 opens this hour");
+    // The plural follows the limit, not the count used.
+    EXPECT_EQ((SiteStatus{State::color, 0, 1, 0, 1, CountPeriod::session}).text(),
+              "In color: 0 of 1 minute and 0 of 1 open this browsing session");
+    EXPECT_EQ((SiteStatus{State::color, 9, 3, 42, std::nullopt, CountPeriod::hour}).text(),
+              "In color: 3 of 3 opens this hour");
 }
 
 }  // namespace

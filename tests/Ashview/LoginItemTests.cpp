@@ -1,0 +1,102 @@
+#include "Ashview/LoginItem.h"
+
+#include "Platform/Sim/SimAppServices.h"
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+namespace ashview {
+namespace {
+
+TEST(LoginItem, OnlyAnInstalledBundledCopyIsOffered) {
+    struct Case {
+        std::optional<std::string> bundle;
+        std::string folder;
+        bool available;
+    };
+    const std::vector<Case> cases{
+        {"app.drabwise.Drabwise", "/Applications", true},
+        {"app.drabwise.Drabwise", "/Applications/", true},
+        {"app.drabwise.Drabwise", "/Users/sim/Applications", true},
+        {"app.drabwise.Drabwise", "/Users/sim/Downloads/../Applications", true},
+        {"app.drabwise.Drabwise", "/Applications/Utilities", false},
+        {"app.drabwise.Drabwise", "/Users/sim/Downloads", false},
+        {"app.drabwise.Drabwise", "/Users/other/Applications", false},
+        {"app.drabwise.Drabwise", "", false},
+        {std::nullopt, "/Applications", false},
+    };
+    for (const Case& c : cases) {
+        SimLoginItemService service;
+        service.bundleIdentifier = c.bundle;
+        service.folder = c.folder;
+        EXPECT_EQ(LoginItem::isAvailable(service), c.available) << c.folder;
+    }
+    EXPECT_FALSE(LoginItem::isAvailable(*AppServices::systemLoginItemService()));
+}
+
+TEST(LoginItem, FirstLaunchRegistersOnceAndARefusalIsTriedAgain) {
+    SimLoginItemService service;
+    SimUserDefaults defaults;
+    std::ostringstream errors;
+
+    service.registerFailure = "Operation not permitted";
+    LoginItem::registerOnFirstLaunchIfInstalled(service, defaults, errors);
+    EXPECT_EQ(errors.str(), "Drabwise could not be added to login items: Operation not permitted\n");
+    EXPECT_FALSE(defaults.has(LoginItem::registeredKey));
+
+    service.registerFailure.reset();
+    LoginItem::registerOnFirstLaunchIfInstalled(service, defaults, errors);
+    EXPECT_EQ(service.registrations, 2);
+    EXPECT_TRUE(service.enabled);
+    EXPECT_TRUE(defaults.boolValue(LoginItem::registeredKey));
+
+    // The user turned it off later: later launches respect that.
+    LoginItem::setEnabled(false, service, errors);
+    LoginItem::registerOnFirstLaunchIfInstalled(service, defaults, errors);
+    EXPECT_FALSE(service.enabled);
+    EXPECT_EQ(service.registrations, 2);
+
+    // Already enabled by the user before the first launch: only remembered.
+    SimLoginItemService enabled;
+    enabled.enabled = true;
+    SimUserDefaults fresh;
+    LoginItem::registerOnFirstLaunchIfInstalled(enabled, fresh, errors);
+    EXPECT_EQ(enabled.registrations, 0);
+    EXPECT_TRUE(fresh.boolValue(LoginItem::registeredKey));
+
+    // A copy run from elsewhere neither registers nor remembers anything.
+    SimLoginItemService download;
+    download.folder = "/Users/sim/Downloads";
+    SimUserDefaults untouched;
+    LoginItem::registerOnFirstLaunchIfInstalled(download, untouched, errors);
+    EXPECT_EQ(download.registrations, 0);
+    EXPECT_FALSE(untouched.has(LoginItem::registeredKey));
+}
+
+TEST(LoginItem, AChangeTheSystemDoesNotTakeOpensItsSettings) {
+    std::ostringstream errors;
+    SimLoginItemService approval;
+    approval.needsApproval = true;
+    LoginItem::setEnabled(true, approval, errors);
+    EXPECT_EQ(errors.str(), "");
+    EXPECT_EQ(approval.settingsOpened, 1);
+
+    SimLoginItemService taken;
+    LoginItem::setEnabled(true, taken, errors);
+    EXPECT_EQ(taken.settingsOpened, 0);
+
+    SimLoginItemService stuck;
+    stuck.enabled = true;
+    stuck.unregisterFailure = "Not found";
+    LoginItem::setEnabled(false, stuck, errors);
+    EXPECT_EQ(errors.str(), "Open at Login could not be changed: Not found\n");
+    EXPECT_EQ(stuck.settingsOpened, 1);
+
+    std::ostringstream onLinux;
+    LoginItem::setEnabled(true, *AppServices::systemLoginItemService(), onLinux);
+    EXPECT_EQ(onLinux.str(), "Open at Login could not be changed: login items are not supported in the Linux build\n");
+}
+
+}  // namespace
+}  // namespace ashview
