@@ -8,6 +8,8 @@
 
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
+
 namespace ashview {
 namespace {
 
@@ -32,6 +34,28 @@ void BM_BrowserMonitorRead(benchmark::State& state) {
     if (monitor.windows().size() != 500) state.SkipWithError("not every window was read");
 }
 BENCHMARK(BM_BrowserMonitorRead)->Unit(benchmark::kMicrosecond);
+
+// The program's own share of one browser's reading: decoding a reply of 50
+// windows and pairing them with 50 screen windows, with no window list.
+void BM_DecodeAndPairOneBrowser(benchmark::State& state) {
+    std::vector<ScriptValue> items;
+    std::vector<ForeignWindow> screen;
+    for (int i = 0; i < 50; ++i) {
+        double left = 10.0 * i, top = 25.0 + 7 * i, width = 800.0 + i, height = 600.0 - i;
+        items.push_back(ScriptValue::list({ScriptValue::number(1000 + i), ScriptValue::number(std::int64_t(left)),
+                                           ScriptValue::number(std::int64_t(top)),
+                                           ScriptValue::number(std::int64_t(left + width)),
+                                           ScriptValue::number(std::int64_t(top + height)),
+                                           ScriptValue::string("https://site" + std::to_string(i) + ".example.com/")}));
+        screen.push_back(ForeignWindow{100 + (49 - i), Rect{left, 900 - top - height, width, height}, true});
+    }
+    std::reverse(screen.begin(), screen.end());
+    ScriptValue reply = ScriptValue::list(std::move(items));
+    for (auto _ : state)
+        benchmark::DoNotOptimize(
+            BrowserProbe::windows("com.google.Chrome", BrowserProbe::items(reply), screen, {}, 900));
+}
+BENCHMARK(BM_DecodeAndPairOneBrowser)->Unit(benchmark::kMicrosecond);
 
 void BM_FramePairing(benchmark::State& state) {
     std::vector<Rect> frames, screen;
