@@ -38,12 +38,16 @@ std::optional<std::string> readSmallFile(const fs::path& path) {
     if (!fs::is_regular_file(path, error) || error) return std::nullopt;
     std::ifstream stream(path, std::ios::binary);
     if (!stream) return std::nullopt;
+    std::uintmax_t size = fs::file_size(path, error);
+    if (error || size > WebAppHosts::largestFile) return std::nullopt;
+    // One byte more than the size, so a file that grew meanwhile shows; the
+    // read never goes past the limit.
     std::string bytes;
-    bytes.resize(static_cast<std::size_t>(WebAppHosts::largestFile) + 1);
+    bytes.resize(static_cast<std::size_t>(size) + 1);
     stream.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
     if (stream.bad()) return std::nullopt;
     auto count = static_cast<std::size_t>(stream.gcount());
-    if (count > WebAppHosts::largestFile) return std::nullopt;  // grew past the limit, or never ends
+    if (count > size) return std::nullopt;
     bytes.resize(count);
     return bytes;
 }

@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <cmath>
 #include <string_view>
-#include <unordered_set>
 #include <utility>
 
 namespace ashview {
@@ -39,12 +38,6 @@ Used usedIn(CountPeriod per, const SiteUsage& usage, Instant now, const Calendar
     if (!start) return Used{usage.sessionOpens, usage.sessionSeconds};
     return Used{usage.opensAfter(*start), usage.secondsAfter(*start)};
 }
-
-/// What the second sweep decided for one rule `host`.
-struct Decided final {
-    bool active = false;
-    bool gray = false;
-};
 
 }  // namespace
 
@@ -101,57 +94,78 @@ VisitTracker::Appearances VisitTracker::update(const RuleSet& rules, const std::
     addOnScreenTime(now);
     lastUpdate_ = now;
 
-    std::unordered_set<std::string_view> listed;
-    listed.reserve(rules.sites.size());
-    for (const SiteRule& rule : rules.sites) listed.insert(rule.host);
-    std::erase_if(usage_, [&](const auto& entry) { return !listed.contains(entry.first); });
+    // Each distinct rule host has one slot; the pass's tables per site are
+    // indexed by it, so a pass allocates nothing per site.
+    std::unordered_map<std::string_view, std::size_t> slotOfHost;
+    slotOfHost.reserve(rules.sites.size());
+    std::vector<std::size_t> slotOfRule;
+    slotOfRule.reserve(rules.sites.size());
+    for (const SiteRule& rule : rules.sites) {
+        slotOfRule.push_back(slotOfHost.try_emplace(rule.host, slotOfHost.size()).first->second);
+    }
+    std::erase_if(usage_, [&](const auto& entry) { return !slotOfHost.contains(entry.first); });
 
     SiteLookup lookup(rules.sites);
-    // The rule of each window, or null.
+    // The rule of each window, or null, and that rule's slot.
     std::vector<const SiteRule*> ruleOf(windows.size(), nullptr);
+    std::vector<std::size_t> slotOf(windows.size(), 0);
     for (std::size_t index = 0; index < windows.size(); ++index) {
-        if (windows[index].host) ruleOf[index] = lookup.find(*windows[index].host);
+        if (!windows[index].host) continue;
+        ruleOf[index] = lookup.find(*windows[index].host);
+        if (ruleOf[index] != nullptr) slotOf[index] = slotOfHost.at(ruleOf[index]->host);
     }
 
     bool hadStartingPoint = hasStartingPoint_;
     hasStartingPoint_ = true;
 
-    // First sweep: which windows are new opens, and which windows each site has.
+    struct Site final {
+        bool hasWindow = false;
+        bool anyOnScreen = false;
+        std::int64_t newOpens = 0;
+        bool active = false;
+        bool gray = false;
+    };
+    std::vector<Site> sites(slotOfHost.size());
+
+    // First sweep: which windows are new opens, and which sites have windows.
+    // Remembered windows keep their table entries, so a steady pass allocates
+    // nothing for them.
     std::unordered_map<WindowKey, std::string> nextSiteByWindow;
-    std::unordered_map<std::string_view, std::int64_t> newOpens;
-    std::unordered_map<std::string_view, std::vector<const BrowserWindow*>> windowsBySite;
     nextSiteByWindow.reserve(windows.size());
     for (std::size_t index = 0; index < windows.size(); ++index) {
         const SiteRule* rule = ruleOf[index];
         if (rule == nullptr) continue;
         const BrowserWindow& window = windows[index];
-        windowsBySite[rule->host].push_back(&window);
-        auto known = siteByWindow_.find(window.id);
-        bool countedHere = known != siteByWindow_.end() && known->second == rule->host;
+        Site& site = sites[slotOf[index]];
+        site.hasWindow = true;
+        site.anyOnScreen = site.anyOnScreen || window.isOnScreen;
+        auto known = siteByWindow_.extract(window.id);
+        bool countedHere = !known.empty() && known.mapped() == rule->host;
         bool newOpen = hadStartingPoint && !countedHere;
         if (!newOpen || window.isOnScreen) {
-            nextSiteByWindow[window.id] = rule->host;
-        } else if (known != siteByWindow_.end()) {
+            if (known.empty()) {
+                nextSiteByWindow.emplace(window.id, rule->host);
+            } else {
+                known.mapped() = rule->host;
+                nextSiteByWindow.insert(std::move(known));
+            }
+        } else if (!known.empty()) {
             // Turned to this site out of sight: the open waits until the
             // window is seen, and it keeps its old site until then.
-            nextSiteByWindow[window.id] = known->second;
+            nextSiteByWindow.insert(std::move(known));
         }
-        if (newOpen && window.isOnScreen) newOpens[rule->host] += 1;
+        if (newOpen && window.isOnScreen) site.newOpens += 1;
     }
     siteByWindow_ = std::move(nextSiteByWindow);
 
     // Second sweep: advance every listed site.
-    static const std::vector<const BrowserWindow*> noWindows;
-    std::unordered_map<std::string_view, Decided> decided;
-    decided.reserve(rules.sites.size());
-    for (const SiteRule& rule : rules.sites) {
+    for (std::size_t ruleIndex = 0; ruleIndex < rules.sites.size(); ++ruleIndex) {
+        const SiteRule& rule = rules.sites[ruleIndex];
+        Site& seen = sites[slotOfRule[ruleIndex]];
         SiteSettings settings = rules.effectiveSettings(rule);
         bool active = Policy::ruleIsActive(settings, rules, now, calendar);
-        auto found = windowsBySite.find(rule.host);
-        const std::vector<const BrowserWindow*>& siteWindows = found == windowsBySite.end() ? noWindows : found->second;
         SiteUsage& site = usage_[rule.host];
-        bool anyOnScreen = std::any_of(siteWindows.begin(), siteWindows.end(),
-                                       [](const BrowserWindow* window) { return window->isOnScreen; });
+        seen.active = active;
 
         if (!active) {
             // Outside the rule's time nothing is counted: the opens of this
@@ -159,29 +173,26 @@ VisitTracker::Appearances VisitTracker::update(const RuleSet& rules, const std::
             site.phase = SiteUsage::Phase::color();
             site.wasActive = false;
             site.clockRunning = false;
-            decided[rule.host] = Decided{false, false};
             continue;
         }
 
         bool untilQuit = settings.stayGray.kind() == StayGray::Kind::untilChromeQuits;
         if (!untilQuit) site.latched = false;
 
-        std::int64_t opened = 0;
-        if (auto counted = newOpens.find(rule.host); counted != newOpens.end()) opened = counted->second;
+        std::int64_t opened = seen.newOpens;
         // A site already on screen when its rule comes into force counts as
         // opened then, except on a first pass.
-        if (opened == 0 && !site.wasActive && anyOnScreen && hadStartingPoint) opened = 1;
+        if (opened == 0 && !site.wasActive && seen.anyOnScreen && hadStartingPoint) opened = 1;
         if (opened > 0) {
             site.opens.insert(site.opens.end(), static_cast<std::size_t>(opened), now);
             site.sessionOpens += opened;
         }
         site.wasActive = true;
-        site.clockRunning = anyOnScreen;
+        site.clockRunning = seen.anyOnScreen;
 
-        bool hasWindow = !siteWindows.empty();
         switch (site.phase.kind()) {
         case SiteUsage::Phase::Kind::color:
-            if (hasWindow && (site.latched || limitPassed(settings.trigger, site, now, calendar))) {
+            if (seen.hasWindow && (site.latched || limitPassed(settings.trigger, site, now, calendar))) {
                 site.phase = SiteUsage::Phase::gray(now);
                 site.latched = untilQuit;
             }
@@ -190,33 +201,43 @@ VisitTracker::Appearances VisitTracker::update(const RuleSet& rules, const std::
             if (const StayGray::ForMinutes* timed = settings.stayGray.timed()) {
                 double elapsed = now - site.phase.grayPhase()->since;
                 if (elapsed >= static_cast<double>(timed->minutes) * 60.0) {
-                    site.phase = hasWindow ? SiteUsage::Phase::colorForRestOfVisit() : SiteUsage::Phase::color();
+                    site.phase =
+                        seen.hasWindow ? SiteUsage::Phase::colorForRestOfVisit() : SiteUsage::Phase::color();
                 }
-            } else if (!hasWindow) {
+            } else if (!seen.hasWindow) {
                 site.phase = SiteUsage::Phase::color();
             }
             break;
         case SiteUsage::Phase::Kind::colorForRestOfVisit:
-            if (!hasWindow) site.phase = SiteUsage::Phase::color();
+            if (!seen.hasWindow) site.phase = SiteUsage::Phase::color();
             break;
         }
-        decided[rule.host] = Decided{true, site.phase.kind() == SiteUsage::Phase::Kind::gray};
+        if (site.phase.kind() == SiteUsage::Phase::Kind::gray) seen.gray = true;
     }
 
     bool showInColor = showInColorUntil && now < *showInColorUntil;
     auto requested = [&](const WindowKey& key) {
+        if (requests.empty()) return false;
         auto found = requests.find(key);
         return found != requests.end() && found->second == WindowRequest::grayThisWindow;
     };
 
     // Third sweep: each window's appearance, by the first reason that holds.
+    // What the fourth sweep needs of the on-screen windows is gathered on the way.
+    struct Sighted final {
+        bool visible = false;
+        bool allGray = true;
+        bool anyRequested = false;
+    };
+    std::vector<Sighted> sighted(sites.size());
     Appearances result;
     result.reserve(windows.size());
     for (std::size_t index = 0; index < windows.size(); ++index) {
         const BrowserWindow& window = windows[index];
         const SiteRule* rule = ruleOf[index];
+        bool wished = requested(window.id);
         Appearance appearance;
-        if (requested(window.id)) {
+        if (wished) {
             appearance = Appearance::gray;
         } else if (rule == nullptr) {
             appearance = Appearance::notListed;
@@ -227,34 +248,31 @@ VisitTracker::Appearances VisitTracker::update(const RuleSet& rules, const std::
         } else if (rule->pin == SitePin::showInColor) {
             appearance = Appearance::color;
         } else {
-            const Decided& site = decided[rule->host];
+            const Site& site = sites[slotOf[index]];
             appearance = site.active && site.gray ? Appearance::gray : Appearance::color;
         }
-        result[window.id] = appearance;
+        result.insert_or_assign(window.id, appearance);
+        if (rule != nullptr && window.isOnScreen) {
+            Sighted& seen = sighted[slotOf[index]];
+            seen.visible = true;
+            seen.allGray = seen.allGray && appearance == Appearance::gray;
+            seen.anyRequested = seen.anyRequested || wished;
+        }
     }
 
     // Fourth sweep: what was seen of each rule.
-    std::vector<SiteSighting> seen;
-    seen.reserve(rules.sites.size());
-    for (const SiteRule& rule : rules.sites) {
-        SiteSighting sighting{rule.host, false, false, false};
-        bool allGray = true;
-        bool anyRequested = false;
-        if (auto found = windowsBySite.find(rule.host); found != windowsBySite.end()) {
-            for (const BrowserWindow* window : found->second) {
-                if (!window->isOnScreen) continue;
-                sighting.visible = true;
-                if (result[window->id] != Appearance::gray) allGray = false;
-                if (requested(window->id)) anyRequested = true;
-            }
-        }
-        sighting.gray = sighting.visible && allGray;
-        const Decided& site = decided[rule.host];
-        sighting.automaticGray = sighting.gray && rule.pin == SitePin::followSettings && site.active && site.gray &&
-                                 !showInColor && !anyRequested;
-        seen.push_back(std::move(sighting));
+    std::vector<SiteSighting> sightings;
+    sightings.reserve(rules.sites.size());
+    for (std::size_t ruleIndex = 0; ruleIndex < rules.sites.size(); ++ruleIndex) {
+        const SiteRule& rule = rules.sites[ruleIndex];
+        const Site& site = sites[slotOfRule[ruleIndex]];
+        const Sighted& seen = sighted[slotOfRule[ruleIndex]];
+        bool gray = seen.visible && seen.allGray;
+        bool automaticGray = gray && rule.pin == SitePin::followSettings && site.active && site.gray &&
+                             !showInColor && !seen.anyRequested;
+        sightings.push_back(SiteSighting{rule.host, seen.visible, gray, automaticGray});
     }
-    sightings_ = std::move(seen);
+    sightings_ = std::move(sightings);
     return result;
 }
 

@@ -316,12 +316,14 @@ SimApplications::State::State(SimDesktop& desktop)
 
 ScriptValue SimApplications::State::reply(std::int32_t pid) {
     const Process& entry = process(pid);
+    // Front to back: the on-screen ones in stack order, then the others in
+    // the order they were opened.
+    std::set<std::int64_t> own(entry.windows.begin(), entry.windows.end());
     std::vector<std::int64_t> order;
     for (std::int64_t number : desktop->onScreenStack())
-        if (std::find(entry.windows.begin(), entry.windows.end(), number) != entry.windows.end())
-            order.push_back(number);
+        if (own.erase(number)) order.push_back(number);
     for (std::int64_t number : entry.windows)
-        if (std::find(order.begin(), order.end(), number) == order.end()) order.push_back(number);
+        if (own.count(number)) order.push_back(number);
 
     std::vector<ScriptValue> items;
     for (std::int64_t number : order) {

@@ -255,3 +255,63 @@ TEST_F(BrowserMonitorTest, AccessibilityReportsWindowChangesAndIsTakenUpWhenAllo
 
 }  // namespace
 }  // namespace ashview
+
+namespace ashview {
+namespace {
+
+class TabChange : public BrowserMonitorTest, public ::testing::WithParamInterface<const char*> {};
+
+TEST_P(TabChange, IsReportedAndTheNextReadShowsTheNewSiteOnTheRightWindow) {
+    const std::string id = GetParam();
+    std::int32_t pid = apps.launchBrowser(id);
+    std::int64_t work = apps.openWindow(pid, Rect{0, 25, 700, 500}, "https://docs.example.com/");
+    std::int64_t play = apps.openWindow(pid, Rect{720, 25, 700, 500}, "https://docs.example.com/other");
+    monitor.start();
+    monitor.read();
+    changes.clear();
+
+    apps.showAddress(play, "https://video.example.net/watch");
+    EXPECT_THAT(changes, ElementsAre(browser(id).name + " reported AXTitleChanged"));
+    monitor.read();
+    std::map<std::int64_t, std::optional<std::string>> byNumber;
+    for (const ProbedWindow& window : monitor.windows()) byNumber[window.screenWindow->number] = window.host;
+    EXPECT_EQ(byNumber, (std::map<std::int64_t, std::optional<std::string>>{{work, "docs.example.com"},
+                                                                           {play, "video.example.net"}}));
+
+    // Without Accessibility the change goes unreported, and the next read,
+    // whoever asks for it, still finds it.
+    apps.setTrusted(false);
+    apps.quit(pid);
+    desktop.clock().advance(1.0);
+    pid = apps.launchBrowser(id);
+    play = apps.openWindow(pid, Rect{720, 25, 700, 500}, "https://docs.example.com/");
+    changes.clear();
+    apps.showAddress(play, "https://video.example.net/");
+    EXPECT_TRUE(changes.empty());
+    monitor.read();
+    ASSERT_EQ(monitor.windows().size(), 1u);
+    EXPECT_EQ(monitor.windows()[0].host, "video.example.net");
+    EXPECT_EQ(monitor.windows()[0].screenWindow->number, play);
+}
+
+INSTANTIATE_TEST_SUITE_P(BothDialects, TabChange, ::testing::Values("com.google.Chrome", "com.apple.Safari"));
+
+TEST_F(BrowserMonitorTest, AScriptThatCannotBeMadeIsNoAnswerWithoutCooldown) {
+    std::int32_t c = apps.launchBrowser(chrome);
+    apps.openWindow(c, Rect{0, 0, 500, 500}, "https://c.example");
+    apps.setScriptsUnavailable();
+    monitor.start();
+    changes.clear();
+    monitor.read();
+    monitor.read();
+    EXPECT_THAT(changes, ElementsAre("Google Chrome did not answer", "Google Chrome did not answer"));
+    EXPECT_EQ(monitor.probe().cachedScripts(), 0u);
+    EXPECT_FALSE(monitor.probe().isCoolingDown(*monitor.runningInstance(browser(chrome))));
+    apps.setScriptsUnavailable(false);
+    monitor.read();
+    EXPECT_EQ(monitor.readings().at(chrome).size(), 1u);
+    EXPECT_EQ(monitor.probe().cachedScripts(), 1u);
+}
+
+}  // namespace
+}  // namespace ashview
