@@ -1,5 +1,8 @@
 #include "Ashview/AppDelegate.h"
 
+#include "Ashview/AppMonitor.h"
+#include "Ashview/BrowserMonitor.h"
+#include "Ashview/GrayController.h"
 #include "Ashview/InstanceLock.h"
 #include "Ashview/Log.h"
 #include "Ashview/LoginItem.h"
@@ -20,11 +23,28 @@ void AppDelegate::applicationDidFinishLaunching() {
         return;
     }
     startUpdater();
+
+    const Desktop& desktop = services_.desktop;
+    browsers_ = std::make_unique<BrowserMonitor>(ReadingPlatform{
+        desktop.workspace, desktop.appleEvents, desktop.accessibility, desktop.windowServer, desktop.loop});
+    // The controller hands the monitor its rules when it starts.
+    apps_ = std::make_unique<AppMonitor>(RuleSet::fresh(), desktop.workspace, desktop.windowServer);
+    controller_ = std::make_unique<GrayController>(
+        store, GrayController::Services{desktop.loop, desktop.windowServer, desktop.overlayWindows,
+                                        desktop.workspaceNotifications, desktop.distributedNotifications, *browsers_,
+                                        *apps_, services_.errors});
+    // The status menu and the settings, setup and About windows are made
+    // here, between the controller and its start, as they arrive.
+    controller_->start();
     running_ = true;
+
     LoginItem::registerOnFirstLaunchIfInstalled(services_.loginItems, services_.defaults, services_.errors);
 }
 
-void AppDelegate::applicationWillTerminate() { running_ = false; }
+void AppDelegate::applicationWillTerminate() {
+    if (controller_) controller_->stop();
+    running_ = false;
+}
 
 void AppDelegate::checkForUpdates() { services_.updater.checkForUpdates(); }
 

@@ -1,7 +1,10 @@
 #include "Ashview/AppDelegate.h"
 
 #include "Ashview/InstanceLock.h"
+#include "Ashview/GrayController.h"
 #include "Platform/Sim/SimAppServices.h"
+#include "Platform/Sim/SimApplications.h"
+#include "Platform/Sim/SimDesktop.h"
 #include "TempFolder.h"
 
 #include <gtest/gtest.h>
@@ -37,12 +40,18 @@ protected:
     }
 
     struct Copy {
+        SimDesktop desktop;
+        SimApplications apps{desktop};
         SimUpdater updater;
         SimLoginItemService loginItems;
         SimUserDefaults defaults;
         SimApplicationShell application;
         std::ostringstream errors;
-        AppDelegate delegate{{updater, loginItems, defaults, application, errors}};
+        AppDelegate delegate{{updater, loginItems, defaults, application, errors,
+                              AppDelegate::Desktop{desktop.clock(), desktop.windowServer(), desktop.overlayWindows(),
+                                                   desktop.workspaceNotifications(),
+                                                   desktop.distributedNotifications(), apps.workspace(),
+                                                   apps.appleEvents(), apps.accessibility()}}};
     };
 
     TempFolder home;
@@ -70,6 +79,8 @@ TEST_F(AppStart, MovesTheOlderFolderThenStartsTheUpdaterAndTheLoginItem) {
     EXPECT_EQ(copy.loginItems.registrations, 1);
     EXPECT_TRUE(copy.defaults.boolValue("RegisteredAsLoginItem"));
     EXPECT_TRUE(copy.application.alerts.empty());
+    ASSERT_NE(copy.delegate.controller(), nullptr);
+    EXPECT_EQ(copy.delegate.controller()->store().directory, home.path() / "Drabwise");
 }
 
 TEST_F(AppStart, LeavesTheOlderFolderWhenTheNewOneExistsOrAnotherFolderIsChosen) {
@@ -103,6 +114,7 @@ TEST_F(AppStart, ASecondCopyOnTheSameFolderOnlyAlertsAndEnds) {
     EXPECT_EQ(second.application.activations, 1);
     EXPECT_EQ(second.application.terminations, 1);
     EXPECT_FALSE(second.delegate.isRunning());
+    EXPECT_EQ(second.delegate.controller(), nullptr);
     EXPECT_EQ(second.updater.starts, 0);
     EXPECT_EQ(second.loginItems.registrations, 0);
     EXPECT_EQ(second.errors.str(), "");

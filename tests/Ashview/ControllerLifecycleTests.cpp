@@ -1,0 +1,269 @@
+#include "ControllerFixture.h"
+
+#include "AshviewCore/AtomicFile.h"
+#include "AshviewCore/TrackerSnapshotStore.h"
+
+#include <gtest/gtest.h>
+
+namespace ashview {
+namespace {
+
+using Lines = std::vector<std::string>;
+namespace fs = std::filesystem;
+
+TEST_F(ControllerTest, DisplaysSleepThenTheScreenLocks) {
+    start();
+    listSite("news.example");
+    browsers.open("news.example", Rect{0, 0, 400, 400});
+    controller->read();
+    takeLines();
+    fs::remove(snapshotFile());
+    int reads = browsers.reads;
+
+    workspace.post(SystemNotification::screensDidSleep);
+    EXPECT_TRUE(fs::exists(snapshotFile())) << "a pause saves at once";
+    fs::remove(snapshotFile());
+    distributed.post(SystemNotification::screenIsLocked);
+    workspace.post(SystemNotification::screensDidSleep);  // the same again: nothing
+    advance(0.15);
+    EXPECT_EQ(browsers.reads, reads + 1);
+    EXPECT_TRUE(controller->isPaused());
+    EXPECT_FALSE(fs::exists(snapshotFile())) << "the second reason is silent";
+    EXPECT_EQ(takeLines(), (Lines{"counting paused: displaysAsleep"}));
+
+    workspace.post(SystemNotification::screensDidWake);
+    advance(0.15);
+    EXPECT_TRUE(takeLines().empty());
+    EXPECT_EQ(browsers.reads, reads + 1);
+
+    distributed.post(SystemNotification::screenIsUnlocked);
+    distributed.post(SystemNotification::screenIsUnlocked);  // an end without a start: nothing
+    advance(0.15);
+    EXPECT_EQ(takeLines(), (Lines{"counting resumed"}));
+    EXPECT_EQ(browsers.reads, reads + 2);
+    EXPECT_FALSE(fs::exists(snapshotFile())) << "resuming does not save";
+    EXPECT_FALSE(controller->isPaused());
+
+    workspace.post(SystemNotification::sessionDidResignActive);
+    EXPECT_EQ(takeLines(), (Lines{"counting paused: sessionSwitchedAway"}));
+    workspace.post(SystemNotification::sessionDidBecomeActive);
+    EXPECT_EQ(takeLines(), (Lines{"counting resumed"}));
+}
+
+class RestartTest : public ControllerTest {
+protected:
+    void saveSnapshot(std::optional<Instant> sessionStart) {
+        TrackerSnapshot snapshot;
+        snapshot.savedAt = desktop.clock().now() - 60;
+        snapshot.sessionStart = sessionStart;
+        TrackerSnapshotStore{folder.path()}.save(snapshot);
+    }
+    Instant sessionStart = SimDesktop().clock().now() - 3600;
+};
+
+TEST_F(RestartTest, TheBrowsingSessionContinuesOnlyWithTheBrowserThatStartedIt) {
+    saveSnapshot(sessionStart);
+    browsers.launches = {sessionStart + 30, sessionStart + 1.9};
+    start();
+    EXPECT_EQ(takeLines(), (Lines{"restored counts, including this browsing session"}));
+}
+
+TEST_F(RestartTest, TwoSecondsApartIsAnotherSession) {
+    saveSnapshot(sessionStart);
+    browsers.launches = {sessionStart - 2.0};
+    start();
+    EXPECT_EQ(takeLines(), (Lines{"restored hour and day counts"}));
+}
+
+TEST_F(RestartTest, WithoutABrowserOrASnapshot) {
+    start();
+    EXPECT_TRUE(takeLines().empty()) << "no snapshot, no line";
+    controller.reset();
+    saveSnapshot(sessionStart);
+    start();
+    EXPECT_EQ(takeLines(), (Lines{"restored hour and day counts"}));
+}
+
+TEST_F(ControllerTest, StartingWiresEverythingAndAsksForNoPass) {
+    apps.listed[900] = ListedProcess{"com.example.Game", "app:com.example.Game"};
+    browsers.isRunning = true;
+    start();
+    EXPECT_TRUE(browsers.started);
+    EXPECT_EQ(apps.rulesGiven, 1);
+    EXPECT_EQ(takeLines(), (Lines{"Google Chrome is open", "a listed app is open"}));
+    EXPECT_EQ(desktop.registeredEvents(), (std::vector<std::uint32_t>{804, 806, 807, 808, 816}));
+    EXPECT_EQ(browsers.reads, 0);
+    advance(0.15);
+    EXPECT_EQ(browsers.reads, 1) << "the readers' words bring the first pass";
+    EXPECT_TRUE(controller->usage().recorder().history().lastRun.has_value()) << "the keeper was started";
+}
+
+TEST_F(ControllerTest, StoppingSavesBeforeTheOverlaysGo) {
+    start();
+    listSite("news.example");
+    std::int64_t first = browsers.open("news.example", Rect{0, 0, 400, 400});
+    std::int64_t second = browsers.open("news.example", Rect{500, 0, 400, 400});
+    controller->read();
+    fs::remove(snapshotFile());
+    fs::remove(historyFile());
+    takeLines();
+    controller->stop();
+    EXPECT_TRUE(fs::exists(snapshotFile()));
+    EXPECT_TRUE(fs::exists(historyFile()));
+    EXPECT_EQ(takeLines(), (Lines{"window " + std::to_string(first) + " back to color: quitting",
+                                  "window " + std::to_string(second) + " back to color: quitting"}));
+    EXPECT_TRUE(desktop.overlays().empty());
+    EXPECT_EQ(controller->usage().recorder().history().lastRun->stop->reason, UsageHistory::StopReason::userQuit);
+}
+
+TEST_F(ControllerTest, CountersAreSavedEveryFiveMinutesAndAFailedSaveIsRetried) {
+    start();
+    browsers.open("news.example", Rect{0, 0, 400, 400});
+    controller->read();
+    auto savedAt = [&] { return TrackerSnapshotStore{folder.path()}.load()->savedAt; };
+    Instant first = savedAt();
+    EXPECT_EQ(first, desktop.clock().now()) << "the first full pass saves";
+    advance(299.9);
+    EXPECT_EQ(savedAt(), first);
+    controller->read();
+    EXPECT_EQ(savedAt(), first);
+    advance(0.1);
+    controller->read();
+    EXPECT_EQ(savedAt(), first + 300) << "exactly 300 seconds later";
+
+    takeLines();
+    fs::remove(snapshotFile());
+    fs::create_directory(snapshotFile());  // the save will fail
+    advance(300);
+    controller->read();
+    EXPECT_EQ(takeLines(), (Lines{"could not save counts"}));
+    fs::remove(snapshotFile());
+    controller->read();
+    EXPECT_TRUE(takeLines().empty());
+    EXPECT_EQ(savedAt(), desktop.clock().now()) << "retried on the very next pass";
+}
+
+TEST_F(ControllerTest, ABrowserQuittingAndTheSessionEnding) {
+    start();
+    listSite("news.example");
+    RuleSet rules = controller->rules();
+    rules.addApp("com.example.Game", "Game");
+    controller->rulesChangedInSettings(rules);
+    std::int64_t news = browsers.open("news.example", Rect{0, 0, 400, 400});
+    std::int64_t game = desktop.openWindow(SimWindowSpec{900, "Game", Rect{500, 0, 400, 400}});
+    apps.listed[900] = ListedProcess{"com.example.Game", "app:com.example.Game"};
+    controller->read();
+    ASSERT_EQ(controller->grayedWindows(), (std::vector<std::int64_t>{news, game}));
+    controller->toggleGray(controller->windows().at(0));
+    takeLines();
+
+    browsers.onBrowserQuit(SimBrowsers::chrome());
+    EXPECT_EQ(takeLines(), (Lines{"Google Chrome quit", "window " + std::to_string(news) +
+                                                            " back to color: Google Chrome quit"}));
+    EXPECT_TRUE(controller->windows().empty());
+    EXPECT_FALSE(controller->isGrayRequested(WindowKey{"com.google.Chrome", 1}));
+    EXPECT_TRUE(controller->isReadScheduled());
+
+    // The browser comes back, then every browser quits: the browser's
+    // overlay goes, the app's stays.
+    advance(0.15);
+    ASSERT_EQ(controller->grayedWindows(), (std::vector<std::int64_t>{news, game}));
+    takeLines();
+    fs::remove(snapshotFile());
+    browsers.onSessionEnd();
+    EXPECT_EQ(takeLines(), (Lines{"every browser quit", "window " + std::to_string(news) +
+                                                            " back to color: every browser quit"}));
+    EXPECT_EQ(controller->grayedWindows(), std::vector<std::int64_t>{game});
+    EXPECT_TRUE(controller->windows().empty());
+    EXPECT_TRUE(fs::exists(snapshotFile()));
+
+    controller->showInColor(std::nullopt);
+    browsers.onSessionEnd();
+    EXPECT_FALSE(controller->showInColorUntil().has_value()) << "'for the rest of this session' ends here";
+    controller->showInColor(10);
+    browsers.onSessionEnd();
+    EXPECT_EQ(controller->showInColorUntil(), desktop.clock().now() + 600) << "a real moment stays";
+}
+
+TEST_F(ControllerTest, CommandsTakeEffectAtOnce) {
+    start();
+    std::optional<SiteRule> news = controller->addSite("news.example");
+    ASSERT_TRUE(news.has_value());
+    int changes = 0;
+    controller->onRulesChange = [&] { ++changes; };
+    int reads = browsers.reads;
+    EXPECT_FALSE(controller->addSite("news.example").has_value());
+    EXPECT_FALSE(controller->addApp("com.google.Chrome", "").has_value());
+    EXPECT_EQ(browsers.reads, reads) << "a refused edit runs no pass";
+    EXPECT_EQ(changes, 0);
+
+    std::int64_t window = browsers.open("news.example", Rect{0, 0, 400, 400});
+    controller->read();
+    takeLines();
+    ProbedWindow probed = controller->windows().at(0);
+    controller->toggleGray(probed);
+    EXPECT_EQ(controller->grayedWindows(), std::vector<std::int64_t>{window});
+    controller->toggleGray(probed);
+    EXPECT_FALSE(controller->isGrayRequested(probed.key));
+    EXPECT_EQ(takeLines(), (Lines{"gray this window on", "graying window " + std::to_string(window),
+                                  "gray this window off",
+                                  "window " + std::to_string(window) + " back to color: its rule says color"}));
+
+    controller->showInColor(std::nullopt);
+    controller->showInColor(5);
+    EXPECT_EQ(controller->showInColorUntil(), desktop.clock().now() + 300);
+
+    SiteRule removed = *news;
+    controller->removeSite(removed);
+    EXPECT_EQ(changes, 1);
+    takeLines();
+    reads = browsers.reads;
+    controller->setPin(SitePin::grayThisSite, removed);
+    EXPECT_TRUE(takeLines().empty());
+    EXPECT_EQ(browsers.reads, reads);
+    EXPECT_TRUE(controller->rules().sites.empty());
+
+    // What the commands did is in the rules file.
+    GrayController::Services services{desktop.mainLoop(), desktop.windowServer(), desktop.overlayWindows(),
+                                      workspace, distributed, browsers, apps, out};
+    std::optional<SiteRule> mail = controller->addSite("mail.example");
+    controller.reset();
+    GrayController again(RuleStore(folder.path()), services);
+    EXPECT_EQ(again.rules().sites, std::vector<SiteRule>{*mail});
+}
+
+TEST_F(ControllerTest, ARulesFileOfANewerVersionIsNeverWritten) {
+    std::string newer = R"({"schemaVersion": 9, "sites": "whatever"})";
+    AtomicFile::write(folder.path() / "rules.json", newer);
+    start();
+    EXPECT_EQ(controller->rulesProblem(), GrayController::RulesProblem::needsNewerApp);
+    std::optional<SiteRule> added = controller->addSite("news.example");
+    ASSERT_TRUE(added.has_value());
+    EXPECT_EQ(controller->rules().sites.size(), 1u) << "works in memory";
+    controller->setPin(SitePin::grayThisSite, *added);
+    controller->removeSite(*added);
+    controller->stop();
+    EXPECT_EQ(AtomicFile::read(folder.path() / "rules.json"), newer);
+
+    controller.reset();
+    AtomicFile::write(folder.path() / "rules.json", "{ not json");
+    make();
+    EXPECT_EQ(controller->rulesProblem(), GrayController::RulesProblem::unreadable);
+    EXPECT_EQ(controller->rules(), RuleSet::fresh());
+    controller->addSite("news.example");
+    EXPECT_EQ(AtomicFile::read(folder.path() / "rules.json"), "{ not json");
+}
+
+TEST_F(ControllerTest, TheUsageSummaryCountsTheListedSites) {
+    start();
+    listSite("news.example", 60);
+    browsers.open("news.example", Rect{0, 0, 400, 400});
+    controller->read();
+    advance(600);
+    UsageSummary summary = controller->usageSummary();
+    EXPECT_GE(summary.todaySeconds, 595.0);
+    EXPECT_EQ(summary.todayVisits, 1);
+}
+
+}  // namespace
+}  // namespace ashview

@@ -1,0 +1,291 @@
+#include "ControllerFixture.h"
+
+#include <gtest/gtest.h>
+
+namespace ashview {
+namespace {
+
+using Lines = std::vector<std::string>;
+
+TEST_F(ControllerTest, ASitePastItsLimitGoesGrayAndTheOverlayFollowsItsWindow) {
+    start();
+    listSite("news.example", 1);
+    takeLines();
+    std::int64_t news = browsers.open("news.example", Rect{100, 100, 800, 600});
+    browsers.onChange("Google Chrome reported AXTitleChanged");
+
+    // The backup timer keeps the passes coming while the user reads.
+    advance(55);
+    EXPECT_TRUE(desktop.overlays().empty()) << "still within the minute";
+    advance(10);
+    Lines lines = takeLines();
+    ASSERT_FALSE(lines.empty());
+    EXPECT_EQ(lines.front(), "Google Chrome reported AXTitleChanged");
+    EXPECT_EQ(lines.back(), "graying window " + std::to_string(news));
+    ASSERT_EQ(desktop.overlays().size(), 1u);
+    EXPECT_TRUE(desktop.overlayAbove(news).has_value());
+    EXPECT_EQ(desktop.overlays()[0].directlyAbove, news);
+
+    // Dragged and brought behind another window and forward again: the
+    // overlay follows by events alone, with no pass and no window list.
+    int readsBefore = browsers.reads;
+    std::size_t listsBefore = desktop.counts().windowLists;
+    desktop.moveBy(news, 40, 30);
+    std::int64_t notes = openOther(Rect{0, 0, 300, 300});
+    desktop.bringToFront(news);
+    EXPECT_EQ(browsers.reads, readsBefore);
+    EXPECT_EQ(desktop.counts().windowLists, listsBefore);
+    EXPECT_FALSE(controller->isReadScheduled());
+    SimOverlay overlay = desktop.overlays()[0];
+    EXPECT_EQ(overlay.directlyAbove, news);
+    EXPECT_EQ(overlay.frame, (Rect{140, 900 - 130 - 600, 800, 600}));
+    (void)notes;
+
+    // A pass that finds the overlay already in place sends nothing to it.
+    std::size_t framesBefore = desktop.counts().setFrameCalls;
+    std::size_t ordersBefore = desktop.counts().orderWindowCalls;
+    advance(5);
+    EXPECT_EQ(desktop.counts().setFrameCalls, framesBefore);
+    EXPECT_EQ(desktop.counts().orderWindowCalls, ordersBefore);
+
+    desktop.closeWindow(news);
+    EXPECT_EQ(takeLines(), (Lines{"window " + std::to_string(news) + " back to color: its window closed"}));
+    EXPECT_TRUE(desktop.overlays().empty());
+    EXPECT_TRUE(controller->isReadScheduled());
+}
+
+TEST_F(ControllerTest, EachWayOfLeavingGrayIsLoggedWithItsReason) {
+    start();
+    listSite("news.example");
+    listSite("mail.example");
+    std::int64_t hidden = browsers.open("news.example", Rect{0, 0, 400, 400});
+    std::int64_t spaced = browsers.open("news.example", Rect{500, 0, 400, 400});
+    std::int64_t retabbed = browsers.open("news.example", Rect{0, 450, 400, 400});
+    std::int64_t pinned = browsers.open("mail.example", Rect{500, 450, 400, 400});
+    controller->read();
+    ASSERT_EQ(controller->grayedWindows().size(), 4u);
+    takeLines();
+
+    desktop.minimise(hidden);
+    EXPECT_EQ(takeLines(), (Lines{"window " + std::to_string(hidden) + " back to color: its window was hidden"}));
+
+    browsers.tab(retabbed).host = "elsewhere.example";
+    desktop.clearOverlayJournal();
+    desktop.switchSpace({spaced}, {});  // the window stays on the Space left
+    bool rearmed = false;
+    for (const std::string& line : desktop.overlayJournal()) {
+        rearmed = rearmed || line.find("canHostLayersInWindowServer") != std::string::npos;
+    }
+    EXPECT_TRUE(rearmed) << "the overlays are rearmed on a Space change";
+    advance(0.15);
+    EXPECT_EQ(takeLines(), (Lines{"Space changed",
+                                  "window " + std::to_string(spaced) + " back to color: its window is not on screen",
+                                  "window " + std::to_string(retabbed) +
+                                      " back to color: its visible tab is not a listed site"}));
+
+    controller->setPin(SitePin::showInColor, *controller->rules().site("mail.example"));
+    EXPECT_EQ(takeLines(), (Lines{"site set to showInColor",
+                                  "window " + std::to_string(pinned) + " back to color: its rule says color"}));
+    EXPECT_TRUE(controller->grayedWindows().empty());
+
+    controller->setPin(SitePin::followSettings, *controller->rules().site("mail.example"));
+    takeLines();
+    controller->showInColor(5);
+    EXPECT_EQ(takeLines(), (Lines{"show in color for 5 minutes",
+                                  "window " + std::to_string(pinned) + " back to color: showing in color for now"}));
+}
+
+TEST_F(ControllerTest, ABurstOfRequestsGivesOnePass) {
+    start();
+    browsers.open("news.example", Rect{0, 0, 400, 400});
+    advance(0);
+    for (int i = 0; i < 40; ++i) {
+        browsers.onChange("Google Chrome reported AXTitleChanged");
+        advance(0.003);  // all forty inside 0.12 s
+    }
+    EXPECT_EQ(browsers.reads, 0);
+    advance(0.15 - 0.12 - 0.0001);
+    EXPECT_EQ(browsers.reads, 0) << "a later request does not move the pass";
+    advance(0.0001);
+    EXPECT_EQ(browsers.reads, 1);
+    EXPECT_EQ(fullPasses, 1);
+
+    // The timer fires while a pass is queued: still one pass.
+    browsers.onChange("again");
+    advance(5.0 - 0.15);
+    EXPECT_EQ(browsers.reads, 2);
+    advance(0.2);
+    EXPECT_EQ(browsers.reads, 2) << "the timer found the delayed pass queued";
+}
+
+TEST_F(ControllerTest, WithNothingToReadThereIsNoTimerAndNoWakeUp) {
+    start();
+    takeLines();
+    std::size_t queued = desktop.clock().queuedCount();
+    workspace.post(SystemNotification::activeSpaceDidChange);
+    advance(24 * 3600.0);
+    EXPECT_EQ(browsers.reads, 1);
+    EXPECT_EQ(desktop.clock().queuedCount(), queued + 1) << "only the one delayed pass";
+    EXPECT_EQ(desktop.clock().pendingCount(), 0u);
+    EXPECT_FALSE(controller->hasBackupTimer());
+    EXPECT_EQ(fullPasses, 0) << "an early end tells no one";
+    EXPECT_FALSE(std::filesystem::exists(snapshotFile())) << "and saves nothing";
+    EXPECT_EQ(takeLines(), (Lines{"Space changed"}));
+}
+
+TEST_F(ControllerTest, ARefusingBrowserKeepsTheTimer) {
+    start();
+    listSite("news.example");
+    std::int64_t news = browsers.open("news.example", Rect{0, 0, 400, 400});
+    controller->read();
+    ASSERT_EQ(controller->grayedWindows().size(), 1u);
+    takeLines();
+    browsers.refused = true;
+    controller->read();
+    EXPECT_EQ(takeLines(),
+              (Lines{"window " + std::to_string(news) + " back to color: control of a browser is not allowed"}));
+    int reads = browsers.reads;
+    advance(20.2);
+    EXPECT_TRUE(controller->hasBackupTimer());
+    EXPECT_EQ(browsers.reads, reads + 4);
+}
+
+TEST_F(ControllerTest, TheLastListedAppQuittingTakesOneMorePassToClearItsWindows) {
+    start();
+    RuleSet rules = controller->rules();
+    rules.newSiteDefaults.trigger = GrayTrigger::rightAway();
+    rules.addApp("com.example.Game", "Game");
+    controller->rulesChangedInSettings(rules);
+    EXPECT_EQ(apps.rules, controller->rules()) << "the apps judge by the live rules";
+    std::int64_t game = desktop.openWindow(SimWindowSpec{900, "Game", Rect{0, 0, 600, 400}});
+    apps.listed[900] = ListedProcess{"com.example.Game", "app:com.example.Game"};
+    controller->read();
+    EXPECT_EQ(desktop.overlays().at(0).directlyAbove, game);
+    EXPECT_TRUE(controller->hasBackupTimer());
+    takeLines();
+
+    int passes = fullPasses;
+    apps.listed.clear();
+    desktop.closeWindows(900);
+    advance(0.15);
+    EXPECT_EQ(takeLines(), (Lines{"window " + std::to_string(game) + " back to color: its window closed"}));
+    EXPECT_EQ(fullPasses, passes + 1) << "one more full pass empties the app windows";
+    EXPECT_FALSE(controller->hasBackupTimer());
+    controller->read();
+    EXPECT_EQ(fullPasses, passes + 1) << "the next pass ends early";
+}
+
+class WithoutGraying : public ControllerTest, public ::testing::WithParamInterface<int> {};
+
+TEST_P(WithoutGraying, NoOverlayIsEverPlacedAndEverythingElseRuns) {
+    switch (GetParam()) {
+        case 0: desktop.setBackdropClassMissing(); break;
+        case 1: desktop.setSaturateFilterMissing(); break;
+        case 2: desktop.setEntryPointMissing(SkyLightEntry::mainConnectionID); break;
+        case 3: desktop.setEntryPointMissing(SkyLightEntry::getWindowBounds); break;
+        case 4: desktop.setEntryPointMissing(SkyLightEntry::registerNotifyProc); break;
+        case 5: desktop.setEntryPointMissing(SkyLightEntry::requestNotificationsForWindows); break;
+    }
+    start();
+    EXPECT_FALSE(controller->isGrayingAvailable());
+    EXPECT_EQ(takeLines(), (Lines{"graying is not available on this macOS version"}));
+    listSite("news.example", 1);
+    std::int64_t news = browsers.open("news.example", Rect{0, 0, 400, 400});
+    controller->read();
+    advance(120);
+    EXPECT_TRUE(controller->tracker().sightings().at(0).gray) << "the site still turns gray for the tracker";
+    EXPECT_EQ(desktop.counts().overlaysMade, 0u);
+    EXPECT_TRUE(desktop.overlays().empty());
+    EXPECT_GT(fullPasses, 20);
+    EXPECT_TRUE(std::filesystem::exists(snapshotFile()));
+    EXPECT_TRUE(std::filesystem::exists(historyFile()));
+    const UsageHistory& history = controller->usage().recorder().history();
+    ASSERT_EQ(history.days.size(), 1u);
+    EXPECT_GE(history.days.begin()->second.sites.at("news.example").seconds, 115.0);
+    for (const std::string& line : takeLines()) {
+        EXPECT_EQ(line.find("graying window"), std::string::npos) << line;
+    }
+    (void)news;
+}
+
+INSTANTIATE_TEST_SUITE_P(EachMissingPiece, WithoutGraying, ::testing::Range(0, 6));
+
+TEST_F(ControllerTest, WindowEventsWithoutAnOverlayOrWithoutDataAskLittle) {
+    start();
+    listSite("news.example");
+    std::int64_t plain = browsers.open("elsewhere.example", Rect{0, 0, 300, 300});
+    std::int64_t news = browsers.open("news.example", Rect{400, 0, 300, 300});
+    controller->read();
+    takeLines();
+
+    desktop.postRawEvent(SkyLight::windowClosed, nullptr);
+    EXPECT_FALSE(controller->isReadScheduled()) << "no data, nothing done";
+
+    std::size_t lookups = desktop.counts().boundsLookups;
+    desktop.moveBy(plain, 10, 10);
+    EXPECT_EQ(desktop.counts().boundsLookups, lookups) << "no overlay: the move is ignored";
+    desktop.bringToFront(news);
+    EXPECT_EQ(desktop.counts().boundsLookups, lookups) << "a reorder never reads the frame";
+    EXPECT_EQ(desktop.overlays().at(0).directlyAbove, news);
+    EXPECT_FALSE(controller->isReadScheduled());
+
+    desktop.closeWindow(plain);
+    EXPECT_TRUE(takeLines().empty());
+    EXPECT_TRUE(controller->isReadScheduled()) << "a window of the pass went: a pass follows";
+}
+
+TEST_F(ControllerTest, AnOverlayInFrontButNotDirectlyAboveStaysWhereItIs) {
+    start();
+    listSite("news.example");
+    std::int64_t news = browsers.open("news.example", Rect{0, 0, 600, 600});
+    controller->read();
+    std::int64_t overlay = desktop.overlays().at(0).number;
+    // Another window slips in between the overlay and its target.
+    std::int64_t between = openOther(Rect{700, 0, 100, 100});
+    desktop.orderRelative(between, true, news);
+    ASSERT_NE(desktop.overlays().at(0).directlyAbove, news);
+    std::size_t orders = desktop.counts().orderWindowCalls;
+    controller->read();
+    EXPECT_EQ(desktop.counts().orderWindowCalls, orders);
+
+    // After a Space change the window server no longer lists the overlay:
+    // the next pass orders it in again.
+    desktop.setListTamper([overlay](std::uint32_t, RawWindowList& list) {
+        if (!list) return;
+        std::erase_if(*list, [&](const std::optional<WindowInfo>& entry) { return entry && entry->number == overlay; });
+    });
+    workspace.post(SystemNotification::activeSpaceDidChange);
+    advance(0.15);
+    EXPECT_EQ(desktop.counts().orderWindowCalls, orders + 1);
+    desktop.setListTamper(nullptr);
+    EXPECT_EQ(desktop.overlays().at(0).directlyAbove, news);
+}
+
+TEST_F(ControllerTest, CoveredWindowsAndPausesDoNotCountAsOnScreen) {
+    start();
+    listSite("news.example", 1);
+    std::int64_t news = browsers.open("news.example", Rect{0, 0, 400, 400});
+    // Three quarters covered exactly: still seen.
+    std::int64_t cover = openOther(Rect{0, 0, 400, 300});
+    controller->read();
+    advance(30);
+    EXPECT_TRUE(controller->tracker().sightings().at(0).visible);
+    // One more row of samples covered: no longer seen.
+    desktop.setBounds(cover, Rect{0, 0, 400, 313});
+    controller->read();
+    EXPECT_FALSE(controller->tracker().sightings().at(0).visible);
+    desktop.closeWindow(cover);
+    controller->read();
+    EXPECT_TRUE(controller->tracker().sightings().at(0).visible);
+
+    // While paused nothing is on screen, yet a gray window keeps its overlay.
+    advance(60);
+    ASSERT_EQ(controller->grayedWindows(), std::vector<std::int64_t>{news});
+    workspace.post(SystemNotification::screensDidSleep);
+    advance(0.15);
+    EXPECT_FALSE(controller->tracker().sightings().at(0).visible);
+    EXPECT_EQ(controller->grayedWindows(), std::vector<std::int64_t>{news});
+}
+
+}  // namespace
+}  // namespace ashview
