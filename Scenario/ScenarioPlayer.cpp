@@ -257,7 +257,7 @@ int ScenarioPlayer::State::run(const ScenarioCommand& command) {
             if (command.launched) launched = timeOfDay(now(), *command.launched);
             if (command.undated) {
                 std::optional<Browser> browser = BrowserCatalog::browser(command.program);
-                pids[command.program] = apps->launch(SimAppSpec{command.program, browser->name, 0,
+                pids[command.program] = apps->launch(SimAppSetup{command.program, browser->name, 0,
                                                                 "/Applications/" + browser->name + ".app",
                                                                 std::nullopt, true});
             } else {

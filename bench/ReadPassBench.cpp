@@ -99,7 +99,7 @@ void BM_ReadPass(benchmark::State& state) {
         }
         bool isBrowser = index % 4 == 0;
         std::int64_t number = desktop.openWindow(
-            SimWindowSpec{isBrowser ? 501 : 600 + index % 20, isBrowser ? "Google Chrome" : "Other", bounds});
+            SimWindowSetup{isBrowser ? 501 : 600 + index % 20, isBrowser ? "Google Chrome" : "Other", bounds});
         if (isBrowser) {
             browsers.tabs.push_back({WindowKey{"com.google.Chrome", index},
                                      number, "site" + std::to_string(index % 100) + ".example"});

@@ -393,15 +393,15 @@ AppleEvents& SimApplications::appleEvents() { return *state_->events; }
 Accessibility& SimApplications::accessibility() { return *state_->accessibility; }
 OpenPanel& SimApplications::openPanel() { return *state_->panel; }
 
-std::int32_t SimApplications::launch(const SimAppSpec& spec) {
+std::int32_t SimApplications::launch(const SimAppSetup& setup) {
     std::int32_t pid = state_->nextPID++;
     Process entry;
     entry.info.processIdentifier = pid;
-    if (!spec.bundleIdentifier.empty()) entry.info.bundleIdentifier = spec.bundleIdentifier;
-    if (!spec.undated) entry.info.launchDate = spec.launchDate.value_or(state_->desktop->clock().now());
-    entry.info.activationPolicy = spec.activationPolicy;
-    entry.info.bundlePath = spec.bundlePath;
-    entry.info.localizedName = spec.name;
+    if (!setup.bundleIdentifier.empty()) entry.info.bundleIdentifier = setup.bundleIdentifier;
+    if (!setup.undated) entry.info.launchDate = setup.launchDate.value_or(state_->desktop->clock().now());
+    entry.info.activationPolicy = setup.activationPolicy;
+    entry.info.bundlePath = setup.bundlePath;
+    entry.info.localizedName = setup.name;
     state_->processes[pid] = entry;
     state_->post(ApplicationEvent::didLaunch, entry.info);
     return pid;
@@ -409,13 +409,13 @@ std::int32_t SimApplications::launch(const SimAppSpec& spec) {
 
 std::int32_t SimApplications::launchApp(const std::string& bundleID, const std::string& name,
                                        std::int64_t activationPolicy, std::optional<std::string> bundlePath) {
-    return launch(SimAppSpec{bundleID, name, activationPolicy, std::move(bundlePath), std::nullopt, false});
+    return launch(SimAppSetup{bundleID, name, activationPolicy, std::move(bundlePath), std::nullopt, false});
 }
 
 std::int32_t SimApplications::launchBrowser(const std::string& bundleID, std::optional<Instant> launchDate) {
     std::optional<Browser> browser = BrowserCatalog::browser(bundleID);
     if (!browser) throw std::invalid_argument("not a catalog browser: " + bundleID);
-    return launch(SimAppSpec{bundleID, browser->name, 0, "/Applications/" + browser->name + ".app", launchDate, false});
+    return launch(SimAppSetup{bundleID, browser->name, 0, "/Applications/" + browser->name + ".app", launchDate, false});
 }
 
 void SimApplications::quit(std::int32_t pid, bool staysListedAsTerminated) {
@@ -470,13 +470,13 @@ std::optional<RunningApplication> SimApplications::application(std::int32_t pid)
 std::int64_t SimApplications::openWindow(std::int32_t pid, Rect quartzBounds, std::optional<std::string> address,
                                          std::int64_t layer) {
     Process& entry = state_->process(pid);
-    SimWindowSpec spec;
-    spec.ownerPID = pid;
-    spec.ownerName = entry.info.localizedName;
-    spec.bounds = quartzBounds;
-    spec.layer = layer;
-    spec.isOnScreen = !entry.isHidden;
-    std::int64_t number = state_->desktop->openWindow(spec);
+    SimWindowSetup setup;
+    setup.ownerPID = pid;
+    setup.ownerName = entry.info.localizedName;
+    setup.bounds = quartzBounds;
+    setup.layer = layer;
+    setup.isOnScreen = !entry.isHidden;
+    std::int64_t number = state_->desktop->openWindow(setup);
     SimAppWindow window{number, pid, 0, std::move(address), false, false, true};
     bool isBrowser = entry.info.bundleIdentifier && BrowserCatalog::browser(*entry.info.bundleIdentifier);
     if (isBrowser) window.scriptingID = state_->nextScriptingID++;

@@ -43,7 +43,7 @@
 namespace ashview {
 
 /// What a new process is made of.
-struct SimAppSpec final {
+struct SimAppSetup final {
     /// Empty: a process without a bundle identifier.
     std::string bundleIdentifier;
     std::string name;
@@ -105,7 +105,7 @@ public:
     // Processes. Calls naming a process or window that does not exist throw
     // std::out_of_range.
     /// Starts a process; didLaunch. Its identifier.
-    std::int32_t launch(const SimAppSpec& spec);
+    std::int32_t launch(const SimAppSetup& setup);
     /// Starts an ordinary app, launched now.
     std::int32_t launchApp(const std::string& bundleID, const std::string& name, std::int64_t activationPolicy = 0,
                            std::optional<std::string> bundlePath = std::nullopt);

@@ -552,10 +552,10 @@ void SimDesktop::setProcessIdentifier(std::int32_t pid) {
 }
 std::int32_t SimDesktop::processIdentifier() const { return state_->pid; }
 
-std::int64_t SimDesktop::openWindow(const SimWindowSpec& spec) {
+std::int64_t SimDesktop::openWindow(const SimWindowSetup& setup) {
     std::int64_t number = state_->nextNumber++;
-    SimWindow window{number,  spec.ownerPID,  spec.ownerName,        spec.layer,
-                     spec.alpha, spec.bounds, spec.isOnScreen, spec.isDesktopElement,
+    SimWindow window{number,  setup.ownerPID,  setup.ownerName,        setup.layer,
+                     setup.alpha, setup.bounds, setup.isOnScreen, setup.isDesktopElement,
                      false};
     state_->windows.emplace(number, window);
     state_->order.insert(state_->order.begin(), number);

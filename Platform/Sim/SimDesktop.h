@@ -62,7 +62,7 @@ struct SimWindow final {
 
 /// What a new foreign window is made of. It opens on screen at the front of
 /// its layer.
-struct SimWindowSpec final {
+struct SimWindowSetup final {
     std::int32_t ownerPID = 0;
     std::string ownerName;
     Rect bounds;
@@ -156,7 +156,7 @@ public:
     // Foreign windows. Every call naming a window that does not exist throws
     // std::out_of_range: a scenario that names a wrong window is a bad script.
     /// Opens a window at the front of its layer; its number.
-    std::int64_t openWindow(const SimWindowSpec& spec);
+    std::int64_t openWindow(const SimWindowSetup& setup);
     /// Removes the window; event 804.
     void closeWindow(std::int64_t number);
     /// New bounds: event 806 when the origin changed, then 807 when the size

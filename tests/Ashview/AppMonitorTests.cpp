@@ -45,7 +45,7 @@ TEST_F(AppMonitorTest, ListsAppsByTheirRuleAndWebAppsUnderTheirSitesRule) {
     std::int32_t notes = apps.launchApp("com.example.Notes", "Notes");
     std::int32_t browserAsApp = apps.launchBrowser(chrome);
     std::int32_t plain = apps.launchApp("com.example.Other", "Other");
-    std::int32_t nameless = apps.launch(SimAppSpec{"", "tool", 0, std::nullopt, std::nullopt, false});
+    std::int32_t nameless = apps.launch(SimAppSetup{"", "tool", 0, std::nullopt, std::nullopt, false});
     std::int32_t mail = apps.launchApp("com.apple.Safari.WebApp.1A2B", "Mail", 0,
                                        webApp("Mail", "<key>Manifest_Start_URL</key><string>https://mail.example.com/u/0</string>"));
     std::int32_t news = apps.launchApp("com.apple.Safari.WebApp.9Z", "News", 0,

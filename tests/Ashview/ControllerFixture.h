@@ -68,7 +68,7 @@ public:
 
     /// Opens a Chrome window at `bounds` (Quartz) showing `host`; its number.
     std::int64_t open(const std::string& host, Rect bounds) {
-        std::int64_t number = desktop_.openWindow(SimWindowSpec{pid, "Google Chrome", bounds});
+        std::int64_t number = desktop_.openWindow(SimWindowSetup{pid, "Google Chrome", bounds});
         tabs.push_back(Tab{WindowKey{"com.google.Chrome", nextID++}, number, host});
         isRunning = true;
         return number;
@@ -156,7 +156,7 @@ protected:
         controller->rulesChangedInSettings(rules);
     }
     /// An unrelated window, in front of everything of layer 0.
-    std::int64_t openOther(Rect bounds) { return desktop.openWindow(SimWindowSpec{otherPID, "Notes", bounds}); }
+    std::int64_t openOther(Rect bounds) { return desktop.openWindow(SimWindowSetup{otherPID, "Notes", bounds}); }
     void advance(double seconds) { desktop.clock().advance(seconds); }
 
     /// Log lines without their time stamps; the log is then emptied.

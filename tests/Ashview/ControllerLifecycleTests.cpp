@@ -150,7 +150,7 @@ TEST_F(ControllerTest, ABrowserQuittingAndTheSessionEnding) {
     rules.addApp("com.example.Game", "Game");
     controller->rulesChangedInSettings(rules);
     std::int64_t news = browsers.open("news.example", Rect{0, 0, 400, 400});
-    std::int64_t game = desktop.openWindow(SimWindowSpec{900, "Game", Rect{500, 0, 400, 400}});
+    std::int64_t game = desktop.openWindow(SimWindowSetup{900, "Game", Rect{500, 0, 400, 400}});
     apps.listed[900] = ListedProcess{"com.example.Game", "app:com.example.Game"};
     controller->read();
     ASSERT_EQ(controller->grayedWindows(), (std::vector<std::int64_t>{news, game}));

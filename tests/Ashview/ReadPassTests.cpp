@@ -157,7 +157,7 @@ TEST_F(ControllerTest, TheLastListedAppQuittingTakesOneMorePassToClearItsWindows
     rules.addApp("com.example.Game", "Game");
     controller->rulesChangedInSettings(rules);
     EXPECT_EQ(apps.rules, controller->rules()) << "the apps judge by the live rules";
-    std::int64_t game = desktop.openWindow(SimWindowSpec{900, "Game", Rect{0, 0, 600, 400}});
+    std::int64_t game = desktop.openWindow(SimWindowSetup{900, "Game", Rect{0, 0, 600, 400}});
     apps.listed[900] = ListedProcess{"com.example.Game", "app:com.example.Game"};
     controller->read();
     EXPECT_EQ(desktop.overlays().at(0).directlyAbove, game);

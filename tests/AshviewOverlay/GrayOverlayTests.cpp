@@ -60,7 +60,7 @@ TEST(GrayOverlay, MakesTheWindowStepByStepInTheRequiredOrder) {
 
 TEST(GrayOverlay, EachOverlayHasAGroupOfItsOwnAndLetsClicksThrough) {
     SimDesktop desktop;
-    std::int64_t below = desktop.openWindow(SimWindowSpec{501, "Safari", Rect{0, 0, 800, 900}});
+    std::int64_t below = desktop.openWindow(SimWindowSetup{501, "Safari", Rect{0, 0, 800, 900}});
     GrayOverlay gray(desktop.overlayWindows());
     auto first = gray.make(Rect{0, 0, 800, 900});
     auto second = gray.make(Rect{0, 0, 800, 900});

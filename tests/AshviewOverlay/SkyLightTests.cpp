@@ -16,7 +16,7 @@ class SkyLightTest : public ::testing::Test {
 protected:
     void SetUp() override { heard.clear(); }
 
-    std::int64_t open(Rect bounds) { return desktop.openWindow(SimWindowSpec{501, "Safari", bounds}); }
+    std::int64_t open(Rect bounds) { return desktop.openWindow(SimWindowSetup{501, "Safari", bounds}); }
 
     SimDesktop desktop;
 };
@@ -63,7 +63,7 @@ TEST_F(SkyLightTest, OneMissingEntryPointMakesTheWholeSetUnavailable) {
                                   SkyLightEntry::registerNotifyProc, SkyLightEntry::requestNotificationsForWindows}) {
         SimDesktop partial;
         partial.setEntryPointMissing(missing);
-        std::int64_t window = partial.openWindow(SimWindowSpec{501, "Safari", Rect{0, 0, 100, 100}});
+        std::int64_t window = partial.openWindow(SimWindowSetup{501, "Safari", Rect{0, 0, 100, 100}});
         SkyLight sky(partial.windowServer());
         EXPECT_FALSE(sky.isAvailable());
         EXPECT_EQ(sky.bounds(window), std::nullopt);

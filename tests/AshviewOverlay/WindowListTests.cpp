@@ -16,7 +16,7 @@ protected:
     WindowListTest() { desktop.setDisplays({Rect{0, 0, 1440, 1000}}); }
 
     std::int64_t open(std::int32_t pid, std::string name, Rect bounds, std::int64_t layer = 0) {
-        return desktop.openWindow(SimWindowSpec{pid, std::move(name), bounds, layer});
+        return desktop.openWindow(SimWindowSetup{pid, std::move(name), bounds, layer});
     }
 
     SimDesktop desktop;

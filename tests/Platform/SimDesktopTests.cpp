@@ -20,7 +20,7 @@ void subscribe(SimDesktop& desktop, const Numbers& windows) {
     sky.requestNotificationsForWindows(sky.mainConnectionID(), packed.data(), static_cast<std::int32_t>(packed.size()));
 }
 
-SimWindowSpec app(Rect bounds, std::int64_t layer = 0) { return SimWindowSpec{501, "Safari", bounds, layer}; }
+SimWindowSetup app(Rect bounds, std::int64_t layer = 0) { return SimWindowSetup{501, "Safari", bounds, layer}; }
 
 TEST(SimDesktop, StacksByLayerThenByOrderWithOverlaysAmongThem) {
     SimDesktop desktop;
@@ -62,7 +62,7 @@ TEST(SimDesktop, ChangesRaiseTheirEventsOnlyForRequestedWindows) {
     SimDesktop desktop;
     std::int64_t a = desktop.openWindow(app(Rect{0, 0, 100, 100}));
     std::int64_t b = desktop.openWindow(app(Rect{0, 0, 100, 100}));
-    std::int64_t mail = desktop.openWindow(SimWindowSpec{502, "Mail", Rect{0, 0, 100, 100}});
+    std::int64_t mail = desktop.openWindow(SimWindowSetup{502, "Mail", Rect{0, 0, 100, 100}});
     subscribe(desktop, {a, b, mail});
     desktop.setBounds(a, Rect{0, 0, 100, 100});  // no change at all
     desktop.setBounds(a, Rect{0, 0, 150, 100});  // size only
