@@ -59,7 +59,11 @@ std::int64_t integer(const Value& value, std::string_view where) {
 
 double number(const Value& value, std::string_view where) {
     if (!value.is_number()) fail(where, "expected a number");
-    return value.get<double>();
+    // A number too large for a double reads as infinite; no document the
+    // program writes holds one, and it could not be written back.
+    double read = value.get<double>();
+    if (!std::isfinite(read)) fail(where, "not a finite number");
+    return read;
 }
 
 bool boolean(const Value& value, std::string_view where) {

@@ -46,6 +46,7 @@ std::optional<std::int64_t> probeSchemaVersion(std::string_view bytes);
 
 /// Strict readers of single values; `where` names the place in errors.
 std::int64_t integer(const Value& value, std::string_view where);
+/// A finite number; anything else throws.
 double number(const Value& value, std::string_view where);
 bool boolean(const Value& value, std::string_view where);
 std::string string(const Value& value, std::string_view where);

@@ -19,21 +19,10 @@ void putIfNonZero(Json::Value& object, const char* key, std::int64_t value) {
     if (value != 0) object[key] = value;
 }
 
-/// A number too large for a double reads as infinite and could not be written
-/// back; such a document is not understood.
-double finite(double value, const Json::Object& object, std::string_view key) {
-    if (!std::isfinite(value)) throw Json::DecodingError(object.path(key) + ": number out of range");
-    return value;
-}
-
-double number(const Json::Object& object, std::string_view key) {
-    return finite(object.number(key), object, key);
-}
+double number(const Json::Object& object, std::string_view key) { return object.number(key); }
 
 std::optional<double> optionalNumber(const Json::Object& object, std::string_view key) {
-    std::optional<double> value = object.optionalNumber(key);
-    if (value) finite(*value, object, key);
-    return value;
+    return object.optionalNumber(key);
 }
 
 UsageHistory::Totals readTotals(const Json::Object& object) {

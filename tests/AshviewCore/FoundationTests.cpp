@@ -55,6 +55,8 @@ TEST(Json, ReadsStrictlyWithPaths) {
     EXPECT_THROW(object.integer("s"), Json::DecodingError);
     EXPECT_THROW(object.string("n"), Json::DecodingError);
     EXPECT_THROW(object.boolean("n"), Json::DecodingError);
+    EXPECT_THROW(Json::number(Json::parse("1e400"), "huge"), Json::DecodingError);
+    EXPECT_EQ(Json::number(Json::parse("-1.5"), "x"), -1.5);
     try {
         object.string("z");
         FAIL();
