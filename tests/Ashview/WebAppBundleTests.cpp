@@ -136,6 +136,12 @@ TEST(WebAppPropertyList, KeepsDictionariesAndTextAndCutsDeepNesting) {
     ASSERT_TRUE(nested);
     EXPECT_FALSE(nested->dump().find("deep.example") != std::string::npos);
     EXPECT_EQ(WebAppHosts::propertyList(""), std::nullopt);
+
+    // A zero byte inside a string still gives a string, never an abort.
+    using namespace std::string_literals;
+    auto zero = WebAppHosts::propertyList(xmlPlist("<key>s</key><string>a\0b</string>"s));
+    ASSERT_TRUE(zero);
+    EXPECT_TRUE((*zero)["s"].is_string());
 }
 
 }  // namespace
