@@ -80,6 +80,33 @@ std::vector<ForeignWindow> WindowList::windows(std::int32_t pid) const {
     return result;
 }
 
+std::unordered_map<std::int32_t, std::vector<ForeignWindow>> WindowList::windowsByProcess(double screenHeight) const {
+    std::unordered_map<std::int32_t, std::vector<ForeignWindow>> result;
+    auto normal = [&](const WindowInfo& entry, bool isOnScreen) -> std::optional<ForeignWindow> {
+        // An owner that fits no process identifier is nobody's window here,
+        // as no `windows(pid)` call can ask for it.
+        if (!entry.ownerPID || !fitsPID(*entry.ownerPID)) return std::nullopt;
+        if (!entry.layer || *entry.layer != 0 || !entry.number || !entry.bounds) return std::nullopt;
+        return ForeignWindow{*entry.number, Geometry::flip(*entry.bounds, screenHeight), isOnScreen};
+    };
+    std::unordered_map<std::int32_t, std::unordered_set<std::int64_t>> seen;
+    for (const WindowInfo& entry : onScreen()) {
+        if (auto window = normal(entry, true)) {
+            auto pid = static_cast<std::int32_t>(*entry.ownerPID);
+            seen[pid].insert(window->number);
+            result[pid].push_back(*window);
+        }
+    }
+    for (const WindowInfo& entry : list(allWindowsOptions)) {
+        auto window = normal(entry, false);
+        if (!window) continue;
+        auto pid = static_cast<std::int32_t>(*entry.ownerPID);
+        auto shown = seen.find(pid);
+        if (shown == seen.end() || !shown->second.contains(window->number)) result[pid].push_back(*window);
+    }
+    return result;
+}
+
 std::vector<int> WindowList::positions(const std::vector<std::int64_t>& numbers) const {
     if (numbers.empty()) return {};
     std::unordered_map<std::int64_t, int> first;

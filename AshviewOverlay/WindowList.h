@@ -13,6 +13,7 @@
 
 #include <cstdint>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 namespace ashview {
@@ -43,6 +44,14 @@ public:
     /// the list of all windows that were not on screen (minimised, on another
     /// Space), with `isOnScreen` false. No window number appears twice.
     std::vector<ForeignWindow> windows(std::int32_t pid) const;
+
+    /// Every process's normal windows from one fetch of each list: under
+    /// each process identifier, in the same order, exactly the windows
+    /// `windows(pid)` gives, their frames converted with a primary display
+    /// of `screenHeight`. A process without a normal window has no entry.
+    /// For reading many processes at one moment without asking for the
+    /// lists again for each.
+    std::unordered_map<std::int32_t, std::vector<ForeignWindow>> windowsByProcess(double screenHeight) const;
 
     /// For each number of `numbers`, in order, the index of its first entry
     /// in the front-to-back on-screen list, counting only entries that have
