@@ -204,10 +204,6 @@ TEST_F(ControllerTest, CommandsTakeEffectAtOnce) {
                                   "gray this window off",
                                   "window " + std::to_string(window) + " back to color: its rule says color"}));
 
-    controller->showInColor(std::nullopt);
-    controller->showInColor(5);
-    EXPECT_EQ(controller->showInColorUntil(), desktop.clock().now() + 300);
-
     SiteRule removed = *news;
     controller->removeSite(removed);
     EXPECT_EQ(changes, 1);
@@ -219,12 +215,9 @@ TEST_F(ControllerTest, CommandsTakeEffectAtOnce) {
     EXPECT_TRUE(controller->rules().sites.empty());
 
     // What the commands did is in the rules file.
-    GrayController::Services services{desktop.mainLoop(), desktop.windowServer(), desktop.overlayWindows(),
-                                      workspace, distributed, browsers, apps, out};
     std::optional<SiteRule> mail = controller->addSite("mail.example");
     controller.reset();
-    GrayController again(RuleStore(folder.path()), services);
-    EXPECT_EQ(again.rules().sites, std::vector<SiteRule>{*mail});
+    EXPECT_EQ(make().rules().sites, std::vector<SiteRule>{*mail});
 }
 
 TEST_F(ControllerTest, ARulesFileOfANewerVersionIsNeverWritten) {

@@ -83,8 +83,6 @@ TEST(GrayOverlay, EachOverlayHasAGroupOfItsOwnAndLetsClicksThrough) {
     EXPECT_EQ(overlays[0].groupName->rfind("ashview-", 0), 0u);
     EXPECT_EQ(overlays[0].groupName->size(), std::string("ashview-").size() + 36);
     EXPECT_NE(overlays[0].groupName, overlays[1].groupName);
-    EXPECT_EQ(overlays[0].collectionBehavior, 337u);
-    EXPECT_FALSE(overlays[0].hasShadow);
 
     EXPECT_EQ(desktop.overlayAbove(below), first->windowNumber());
     EXPECT_EQ(desktop.windowAt(Point{400, 450}), below) << "a click goes through the overlay";
