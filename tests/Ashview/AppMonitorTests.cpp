@@ -160,11 +160,6 @@ TEST_F(AppMonitorTest, ChooserRefusesItselfAndBrowsersAndIconsAreLookedUpOnce) {
     EXPECT_EQ(AppChooser::refusal("com.apple.safari", std::nullopt), std::nullopt);
     EXPECT_EQ(AppChooser::refusal("com.example.Notes", std::string("app.me")), std::nullopt);
 
-    apps.setOpenPanelResult(OpenPanelResult{0, "/Applications/Notes.app"});
-    EXPECT_EQ(AppChooser::chooseApp(apps.openPanel()), std::nullopt) << "cancelled";
-    apps.setOpenPanelResult(OpenPanelResult{1, "/Applications/Notes.app"});
-    EXPECT_EQ(AppChooser::chooseApp(apps.openPanel()), "/Applications/Notes.app");
-
     AppIcons icons(apps.workspace());
     apps.registerBundle("com.example.Notes", "/Applications/Notes.app");
     for (int round = 0; round < 2; ++round) {

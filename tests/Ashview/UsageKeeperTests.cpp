@@ -79,20 +79,15 @@ TEST_F(UsageKeeperTest, TheBootTimeDecidesHowMuchOfACrashWentUnwatched) {
     crashed.lastRun = UsageHistory::Run{bootedRecently.now() - 1800, std::nullopt};
     UsageStore{folder.path()}.save(crashed);
 
-    auto unobserved = [](const UsageKeeper& keeper) {
-        double total = 0;
-        for (const auto& [day, figures] : keeper.recorder().history().days) total += figures.unobservedSeconds;
-        return total;
-    };
-    {
+    for (bool bootKnown : {true, false}) {
+        bootedRecently.setBootTimeKnown(bootKnown);
         UsageKeeper keeper(folder.path(), bootedRecently, workspace, log);
         keeper.start();
-        EXPECT_DOUBLE_EQ(unobserved(keeper), 1200.0) << "from the last sign of life up to the boot";
+        double unobserved = 0;
+        for (const auto& [day, figures] : keeper.recorder().history().days) unobserved += figures.unobservedSeconds;
+        // From the last sign of life up to the boot; without a boot time, up to now.
+        EXPECT_DOUBLE_EQ(unobserved, bootKnown ? 1200.0 : 1800.0);
     }
-    bootedRecently.setBootTimeKnown(false);
-    UsageKeeper keeper(folder.path(), bootedRecently, workspace, log);
-    keeper.start();
-    EXPECT_DOUBLE_EQ(unobserved(keeper), 1800.0) << "without a boot time, up to now";
 }
 
 TEST_F(UsageKeeperTest, ANewerOrUnreadableFileIsNeverWrittenWhileCountingGoesOnInMemory) {
@@ -152,22 +147,19 @@ TEST_F(UsageKeeperTest, AFailedSaveIsLoggedAndTriedAgain) {
 }
 
 TEST_F(UsageKeeperTest, ClearingRemovesBothFilesAndWritesAnEmptyHistory) {
-    {
-        UsageKeeper keeper = make();
-        keeper.start();
-        watchFiveSeconds(keeper);
-        keeper.stop();
-    }
-    ASSERT_FALSE(onDisk().days.empty());
     AtomicFile::write(broken(), "old");
-    clock.advance(3600);
     UsageKeeper keeper = make();
     keeper.start();
+    watchFiveSeconds(keeper);
+    keeper.saveIfChanged();
+    ASSERT_FALSE(onDisk().days.empty());
+    clock.advance(3600);
     keeper.clearHistory();
     EXPECT_FALSE(fs::exists(broken()));
     UsageHistory cleared = onDisk();
     EXPECT_EQ(cleared.began, clock.now());
     EXPECT_TRUE(cleared.days.empty());
+    EXPECT_TRUE(keeper.recorder().history().days.empty());
     EXPECT_FALSE(keeper.recorder().hasUnsavedChanges());
     EXPECT_EQ(out.str(), "10:00:05 usage history cleared\n");
 }

@@ -65,41 +65,5 @@ TEST(SimClock, RepeatingTimersKeepTheirRhythmAndCancellingLetsGoOfTheTask) {
     EXPECT_TRUE(watch.expired());
 }
 
-TEST(SimClock, WallClockShiftsLeaveUptimeAndTheQueueAlone) {
-    SimClock clock;
-    int runs = 0;
-    clock.runAfter(1.0, [&] { ++runs; });
-    Instant before = clock.now();
-    clock.shiftWallClock(-3600);
-    EXPECT_DOUBLE_EQ(clock.now() - before, -3600);
-    EXPECT_DOUBLE_EQ(clock.uptime(), SimClock::defaultUptime);
-    EXPECT_EQ(runs, 0);
-    EXPECT_DOUBLE_EQ(clock.now() - *clock.bootTime(), SimClock::defaultUptime);
-    clock.setBootTimeKnown(false);
-    EXPECT_FALSE(clock.bootTime());
-
-    EXPECT_TRUE(clock.runNext());
-    EXPECT_EQ(runs, 1);
-    EXPECT_DOUBLE_EQ(clock.uptime(), SimClock::defaultUptime + 1);
-    EXPECT_FALSE(clock.runNext());
-}
-
-TEST(SimClock, AdvancingFromInsideATaskIsRefused) {
-    SimClock clock;
-    bool threw = false;
-    clock.runAfter(1, [&] {
-        try {
-            clock.advance(1);
-        } catch (const std::logic_error&) {
-            threw = true;
-        }
-    });
-    clock.advance(1);
-    EXPECT_TRUE(threw);
-    clock.runAfter(1, [] {});
-    clock.advance(1);  // the loop is usable again afterwards
-    EXPECT_EQ(clock.firedCount(), 2u);
-}
-
 }  // namespace
 }  // namespace ashview
