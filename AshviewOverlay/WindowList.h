@@ -65,7 +65,9 @@ public:
                                                      const Geometry& geometry);
 
 private:
-    std::vector<WindowInfo> list(std::uint32_t options) const;
+    /// The list's entries as they came, every one present; empty when the
+    /// list is null or holds anything that is not a dictionary.
+    std::vector<std::optional<WindowInfo>> list(std::uint32_t options) const;
 
     WindowServer* server_;
 };
