@@ -118,6 +118,16 @@ void BrowserMonitor::read() {
         for (const ProbedWindow& window : windows)
             if (window.screenWindow) previous.emplace(window.key, window.screenWindow->number);
 
+    // The window lists are fetched once for the whole read, when the first
+    // browser answers, and handed to every browser after it. They are taken
+    // anew after a browser that did not answer, as it may have held the
+    // thread for its whole time limit.
+    std::optional<ScreenWindows> screen;
+    auto screenWindows = [&]() -> const ScreenWindows& {
+        if (!screen) screen = ScreenWindows::take(platform_.windowServer);
+        return *screen;
+    };
+
     std::vector<Browser> refused;
     for (const auto& [browser, app] : running()) {
         if (auto found = observers_.find(browser.bundleID); found != observers_.end() && !found->second->hasObserver())
@@ -134,12 +144,13 @@ void BrowserMonitor::read() {
             }
         }
         if (permitted) {
-            BrowserReading reading = probe_.read(browser, app, previous);
+            BrowserReading reading = probe_.read(browser, app, previous, screenWindows);
             if (reading.kind == BrowserReading::Kind::windows) {
                 readings_[browser.bundleID] = std::move(reading.windows);
                 continue;
             }
             if (reading.kind == BrowserReading::Kind::noAnswer) {
+                screen.reset();
                 change(browser.name + " did not answer");
                 continue;
             }

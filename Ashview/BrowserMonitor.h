@@ -61,7 +61,8 @@ public:
     void start() override;
     /// Reads every running browser once, in catalog order, skipping those
     /// cooling down and those without permission. Blocks for as long as the
-    /// browsers' scripts take.
+    /// browsers' scripts take. Fetches each window list once for all the
+    /// browsers that answer, and again only after one that did not.
     void read() override;
     BrowserStatus status() const override;
     /// Every current reading joined: the frontmost browser's first, then the

@@ -104,8 +104,29 @@ std::vector<ProbedWindow> BrowserProbe::windows(const std::string& bundleID, con
     return result;
 }
 
+ScreenWindows ScreenWindows::take(WindowServer& server) {
+    double height = Geometry(server).screenHeight();
+    return ScreenWindows{WindowList(server).windowsByProcess(height), height};
+}
+
+const std::vector<ForeignWindow>& ScreenWindows::of(std::int32_t pid) const {
+    static const std::vector<ForeignWindow> none;
+    auto found = byProcess.find(pid);
+    return found == byProcess.end() ? none : found->second;
+}
+
 BrowserReading BrowserProbe::read(const Browser& browser, const RunningApplication& app,
                                   const std::unordered_map<WindowKey, std::int64_t>& previous) {
+    std::optional<ScreenWindows> taken;
+    return read(browser, app, previous, [&]() -> const ScreenWindows& {
+        if (!taken) taken = ScreenWindows::take(*server_);
+        return *taken;
+    });
+}
+
+BrowserReading BrowserProbe::read(const Browser& browser, const RunningApplication& app,
+                                  const std::unordered_map<WindowKey, std::int64_t>& previous,
+                                  const std::function<const ScreenWindows&()>& screen) {
     if (isCoolingDown(app)) return BrowserReading::noAnswer();
     CompiledScript* compiled = script(browser);
     if (compiled == nullptr) return BrowserReading::noAnswer();
@@ -116,10 +137,9 @@ BrowserReading BrowserProbe::read(const Browser& browser, const RunningApplicati
         return BrowserReading::noAnswer();
     }
     std::vector<ReplyItem> kept = items(std::get<ScriptValue>(outcome));
-    WindowList list(*server_);
-    Geometry geometry(*server_);
+    const ScreenWindows& shown = screen();
     return BrowserReading::of(
-        windows(browser.bundleID, kept, list.windows(app.processIdentifier), previous, geometry.screenHeight()));
+        windows(browser.bundleID, kept, shown.of(app.processIdentifier), previous, shown.screenHeight));
 }
 
 }  // namespace ashview

@@ -19,6 +19,7 @@
 #include "Platform/Workspace.h"
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -57,6 +58,20 @@ struct ReplyItem final {
     friend bool operator==(const ReplyItem&, const ReplyItem&) = default;
 };
 
+/// The window server's side of browser readings, taken at one moment: each
+/// process's normal windows (as `WindowList::windows(pid)` gives them) and
+/// the primary display's height their frames were converted with.
+struct ScreenWindows final {
+    std::unordered_map<std::int32_t, std::vector<ForeignWindow>> byProcess;
+    double screenHeight = 0;
+
+    /// Fetches each window list once.
+    static ScreenWindows take(WindowServer& server);
+    /// The normal windows of `pid`, on-screen ones first; empty for a
+    /// process without any.
+    const std::vector<ForeignWindow>& of(std::int32_t pid) const;
+};
+
 class BrowserProbe final {
 public:
     /// Seconds of uptime a browser is left alone after a failed run.
@@ -74,6 +89,13 @@ public:
     /// cooldown; any other failure gives `noAnswer` and starts a cooldown.
     BrowserReading read(const Browser& browser, const RunningApplication& app,
                         const std::unordered_map<WindowKey, std::int64_t>& previous);
+    /// The same, pairing with the windows `screen` gives. It is called only
+    /// once the script has answered, and at most once, so the window lists
+    /// are not fetched for a browser that gave no windows; a caller reading
+    /// several browsers can hand the same lists to each.
+    BrowserReading read(const Browser& browser, const RunningApplication& app,
+                        const std::unordered_map<WindowKey, std::int64_t>& previous,
+                        const std::function<const ScreenWindows&()>& screen);
     /// Whether uptime is still strictly before the end of `app`'s cooldown.
     bool isCoolingDown(const RunningApplication& app) const;
 

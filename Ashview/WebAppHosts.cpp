@@ -56,13 +56,13 @@ struct PlistFree {
     void operator()(plist_t node) const { plist_free(node); }
 };
 
+// Reads the string through its stored length: a string holding a zero byte
+// is legal in a property list, and the copying accessor aborts on one.
 std::optional<std::string> plistString(plist_t node) {
-    char* value = nullptr;
-    plist_get_string_val(node, &value);
+    std::uint64_t length = 0;
+    const char* value = plist_get_string_ptr(node, &length);
     if (value == nullptr) return std::nullopt;
-    std::string text(value);
-    std::free(value);
-    return text;
+    return std::string(value, static_cast<std::size_t>(length));
 }
 
 Json::Value convert(plist_t node, int depth) {

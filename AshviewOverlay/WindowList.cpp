@@ -1,5 +1,6 @@
 #include "AshviewOverlay/WindowList.h"
 
+#include <algorithm>
 #include <limits>
 #include <unordered_map>
 #include <unordered_set>
@@ -17,19 +18,22 @@ bool fitsPID(std::int64_t value) {
 
 }  // namespace
 
-std::vector<WindowInfo> WindowList::list(std::uint32_t options) const {
+std::vector<std::optional<WindowInfo>> WindowList::list(std::uint32_t options) const {
     RawWindowList raw = server_->copyWindowInfo(options, 0);
-    std::vector<WindowInfo> entries;
-    if (!raw) return entries;
-    entries.reserve(raw->size());
+    if (!raw) return {};
     for (const auto& element : *raw) {
         if (!element) return {};  // not an array of dictionaries: nothing can be trusted
-        entries.push_back(*element);
     }
-    return entries;
+    return std::move(*raw);
 }
 
-std::vector<WindowInfo> WindowList::onScreen() const { return list(onScreenOptions); }
+std::vector<WindowInfo> WindowList::onScreen() const {
+    std::vector<std::optional<WindowInfo>> entries = list(onScreenOptions);
+    std::vector<WindowInfo> result;
+    result.reserve(entries.size());
+    for (auto& entry : entries) result.push_back(std::move(*entry));
+    return result;
+}
 
 std::optional<ForeignWindow> WindowList::normalWindow(const WindowInfo& entry, bool isOnScreen,
                                                       const Geometry& geometry) {
@@ -41,7 +45,8 @@ std::optional<ForeignWindow> WindowList::normalWindow(const WindowInfo& entry, b
 
 std::vector<StackedWindow> WindowList::stack() const {
     std::vector<StackedWindow> result;
-    for (const WindowInfo& entry : onScreen()) {
+    for (const auto& slot : list(onScreenOptions)) {
+        const WindowInfo& entry = *slot;
         if (!entry.number || !entry.ownerPID || !fitsPID(*entry.ownerPID) || !entry.layer || !entry.bounds)
             continue;
         result.push_back(StackedWindow{*entry.number, static_cast<std::int32_t>(*entry.ownerPID), *entry.layer,
@@ -52,9 +57,9 @@ std::vector<StackedWindow> WindowList::stack() const {
 
 std::vector<ForeignWindow> WindowList::windows(const std::string& owner) const {
     std::vector<ForeignWindow> result;
-    std::vector<WindowInfo> entries = onScreen();
     Geometry geometry(*server_);
-    for (const WindowInfo& entry : entries) {
+    for (const auto& slot : list(onScreenOptions)) {
+        const WindowInfo& entry = *slot;
         if (entry.ownerName != owner) continue;
         if (auto window = normalWindow(entry, true, geometry)) result.push_back(*window);
     }
@@ -65,17 +70,49 @@ std::vector<ForeignWindow> WindowList::windows(std::int32_t pid) const {
     std::vector<ForeignWindow> result;
     std::unordered_set<std::int64_t> seen;
     Geometry geometry(*server_);
-    for (const WindowInfo& entry : onScreen()) {
+    for (const auto& slot : list(onScreenOptions)) {
+        const WindowInfo& entry = *slot;
         if (entry.ownerPID != std::int64_t{pid}) continue;
         if (auto window = normalWindow(entry, true, geometry)) {
             seen.insert(window->number);
             result.push_back(*window);
         }
     }
-    for (const WindowInfo& entry : list(allWindowsOptions)) {
+    for (const auto& slot : list(allWindowsOptions)) {
+        const WindowInfo& entry = *slot;
         if (entry.ownerPID != std::int64_t{pid}) continue;
         auto window = normalWindow(entry, false, geometry);
         if (window && !seen.contains(window->number)) result.push_back(*window);
+    }
+    return result;
+}
+
+std::unordered_map<std::int32_t, std::vector<ForeignWindow>> WindowList::windowsByProcess(double screenHeight) const {
+    std::unordered_map<std::int32_t, std::vector<ForeignWindow>> result;
+    auto normal = [&](const WindowInfo& entry, bool isOnScreen) -> std::optional<ForeignWindow> {
+        // An owner that fits no process identifier is nobody's window here,
+        // as no `windows(pid)` call can ask for it.
+        if (!entry.ownerPID || !fitsPID(*entry.ownerPID)) return std::nullopt;
+        if (!entry.layer || *entry.layer != 0 || !entry.number || !entry.bounds) return std::nullopt;
+        return ForeignWindow{*entry.number, Geometry::flip(*entry.bounds, screenHeight), isOnScreen};
+    };
+    // (process, number) of every on-screen window, sorted for lookup.
+    std::vector<std::pair<std::int32_t, std::int64_t>> seen;
+    for (const auto& slot : list(onScreenOptions)) {
+        const WindowInfo& entry = *slot;
+        if (auto window = normal(entry, true)) {
+            auto pid = static_cast<std::int32_t>(*entry.ownerPID);
+            seen.emplace_back(pid, window->number);
+            result[pid].push_back(*window);
+        }
+    }
+    std::sort(seen.begin(), seen.end());
+    for (const auto& slot : list(allWindowsOptions)) {
+        const WindowInfo& entry = *slot;
+        auto window = normal(entry, false);
+        if (!window) continue;
+        auto pid = static_cast<std::int32_t>(*entry.ownerPID);
+        if (!std::binary_search(seen.begin(), seen.end(), std::pair{pid, window->number})) result[pid].push_back(*window);
     }
     return result;
 }
@@ -84,7 +121,8 @@ std::vector<int> WindowList::positions(const std::vector<std::int64_t>& numbers)
     if (numbers.empty()) return {};
     std::unordered_map<std::int64_t, int> first;
     int index = 0;
-    for (const WindowInfo& entry : onScreen()) {
+    for (const auto& slot : list(onScreenOptions)) {
+        const WindowInfo& entry = *slot;
         if (!entry.number) continue;
         first.try_emplace(*entry.number, index);
         ++index;

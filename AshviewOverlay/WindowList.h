@@ -13,6 +13,7 @@
 
 #include <cstdint>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 namespace ashview {
@@ -44,6 +45,14 @@ public:
     /// Space), with `isOnScreen` false. No window number appears twice.
     std::vector<ForeignWindow> windows(std::int32_t pid) const;
 
+    /// Every process's normal windows from one fetch of each list: under
+    /// each process identifier, in the same order, exactly the windows
+    /// `windows(pid)` gives, their frames converted with a primary display
+    /// of `screenHeight`. A process without a normal window has no entry.
+    /// For reading many processes at one moment without asking for the
+    /// lists again for each.
+    std::unordered_map<std::int32_t, std::vector<ForeignWindow>> windowsByProcess(double screenHeight) const;
+
     /// For each number of `numbers`, in order, the index of its first entry
     /// in the front-to-back on-screen list, counting only entries that have
     /// an integer number; -1 where it is not there. As long as `numbers`.
@@ -56,7 +65,9 @@ public:
                                                      const Geometry& geometry);
 
 private:
-    std::vector<WindowInfo> list(std::uint32_t options) const;
+    /// The list's entries as they came, every one present; empty when the
+    /// list is null or holds anything that is not a dictionary.
+    std::vector<std::optional<WindowInfo>> list(std::uint32_t options) const;
 
     WindowServer* server_;
 };

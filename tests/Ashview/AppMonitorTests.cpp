@@ -120,13 +120,13 @@ TEST_F(AppMonitorTest, SpeaksOnlyOfListedAppsAndRemembersTheLastUsedRegularApp) 
     std::int32_t other = apps.launchApp("com.example.Other", "Other");
     apps.activate(finder);
     apps.activate(agent);
-    EXPECT_EQ(monitor->lastUsed()->processIdentifier, notes);
+    EXPECT_EQ(monitor->lastUsed()->processIdentifier, notes) << "neither the Finder nor an agent counts";
     apps.activate(s);
     EXPECT_EQ(monitor->lastUsed()->processIdentifier, s);
     EXPECT_EQ(monitor->lastUsedNonBrowser()->processIdentifier, notes);
     apps.activate(other);
     apps.quit(other);
-    EXPECT_EQ(monitor->lastUsedNonBrowser()->processIdentifier, other);
+    EXPECT_EQ(monitor->lastUsedNonBrowser()->processIdentifier, other) << "remembered after it quits";
 
     apps.activate(notes);
     apps.hide(notes);
@@ -160,22 +160,15 @@ TEST_F(AppMonitorTest, ChooserRefusesItselfAndBrowsersAndIconsAreLookedUpOnce) {
     EXPECT_EQ(AppChooser::refusal("com.apple.safari", std::nullopt), std::nullopt);
     EXPECT_EQ(AppChooser::refusal("com.example.Notes", std::string("app.me")), std::nullopt);
 
-    apps.setOpenPanelResult(OpenPanelResult{0, "/Applications/Notes.app"});
-    EXPECT_EQ(AppChooser::chooseApp(apps.openPanel()), std::nullopt);
-    apps.setOpenPanelResult(OpenPanelResult{1, "/Applications/Notes.app"});
-    EXPECT_EQ(AppChooser::chooseApp(apps.openPanel()), "/Applications/Notes.app");
-    EXPECT_EQ(apps.lastOpenPanel()->prompt, "Add");
-    EXPECT_EQ(apps.lastOpenPanel()->directory, "/Applications");
-
     AppIcons icons(apps.workspace());
     apps.registerBundle("com.example.Notes", "/Applications/Notes.app");
-    auto icon = icons.icon("com.example.Notes");
-    ASSERT_TRUE(icon);
-    EXPECT_EQ(dynamic_cast<const SimIcon&>(*icon).path, "/Applications/Notes.app");
-    EXPECT_EQ(icons.icon("com.example.Missing"), nullptr);
-    icons.icon("com.example.Notes");
-    icons.icon("com.example.Missing");
-    EXPECT_EQ(apps.bundleLookups(), 2u);
+    for (int round = 0; round < 2; ++round) {
+        auto icon = icons.icon("com.example.Notes");
+        ASSERT_TRUE(icon);
+        EXPECT_EQ(dynamic_cast<const SimIcon&>(*icon).path, "/Applications/Notes.app");
+        EXPECT_EQ(icons.icon("com.example.Missing"), nullptr);
+    }
+    EXPECT_EQ(apps.bundleLookups(), 2u) << "found or not, each app is looked up once";
     EXPECT_EQ(apps.iconLookups(), 1u);
 }
 

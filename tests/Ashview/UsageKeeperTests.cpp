@@ -23,6 +23,14 @@ protected:
     fs::path file() const { return folder.path() / "history.json"; }
     fs::path broken() const { return folder.path() / "history.json.broken"; }
     UsageHistory onDisk() const { return UsageHistory::fromJson(Json::parse(*AtomicFile::read(file()))); }
+    /// Five seconds of news.example on screen, from now on.
+    void watchFiveSeconds(UsageKeeper& keeper) {
+        for (int step = 0; step < 2; ++step) {
+            if (step > 0) clock.advance(5);
+            keeper.recorder().record({SiteSighting{"news.example", true, false, false}}, clock.now(), true,
+                                     clock.calendar());
+        }
+    }
     /// Log lines without their time stamps.
     std::vector<std::string> lines() const {
         std::vector<std::string> result;
@@ -71,54 +79,40 @@ TEST_F(UsageKeeperTest, TheBootTimeDecidesHowMuchOfACrashWentUnwatched) {
     crashed.lastRun = UsageHistory::Run{bootedRecently.now() - 1800, std::nullopt};
     UsageStore{folder.path()}.save(crashed);
 
-    auto unobserved = [](const UsageKeeper& keeper) {
-        double total = 0;
-        for (const auto& [day, figures] : keeper.recorder().history().days) total += figures.unobservedSeconds;
-        return total;
-    };
-    {
+    for (bool bootKnown : {true, false}) {
+        bootedRecently.setBootTimeKnown(bootKnown);
         UsageKeeper keeper(folder.path(), bootedRecently, workspace, log);
         keeper.start();
-        EXPECT_DOUBLE_EQ(unobserved(keeper), 1200.0) << "from the last sign of life up to the boot";
+        double unobserved = 0;
+        for (const auto& [day, figures] : keeper.recorder().history().days) unobserved += figures.unobservedSeconds;
+        // From the last sign of life up to the boot; without a boot time, up to now.
+        EXPECT_DOUBLE_EQ(unobserved, bootKnown ? 1200.0 : 1800.0);
     }
-    bootedRecently.setBootTimeKnown(false);
-    UsageKeeper keeper(folder.path(), bootedRecently, workspace, log);
-    keeper.start();
-    EXPECT_DOUBLE_EQ(unobserved(keeper), 1800.0) << "without a boot time, up to now";
 }
 
-TEST_F(UsageKeeperTest, ANewerFileIsNeverWrittenOver) {
-    std::string newer = R"({"schemaVersion": 2, "whatever": [1, 2]})";
-    AtomicFile::write(file(), newer);
-    UsageKeeper keeper = make();
-    EXPECT_EQ(keeper.problem(), UsageKeeper::Problem::needsNewerApp);
-    keeper.start();
-    keeper.recorder().record({SiteSighting{"news.example", true, false, false}}, clock.now(), true,
-                             clock.calendar());
-    clock.advance(5);
-    keeper.recorder().record({SiteSighting{"news.example", true, false, false}}, clock.now(), true,
-                             clock.calendar());
-    EXPECT_EQ(keeper.recorder().history().days.begin()->second.sites.at("news.example").seconds, 5.0)
-        << "counting goes on in memory";
-    keeper.saveIfChanged();
-    keeper.clearHistory();
-    keeper.stop();
-    EXPECT_EQ(AtomicFile::read(file()), newer);
-    EXPECT_FALSE(fs::exists(broken()));
-    EXPECT_EQ(lines(), std::vector<std::string>{
-                           "the usage history file is from a newer version, so it is left as it is and not saved"});
-}
-
-TEST_F(UsageKeeperTest, AFileThatCannotBeReadIsLeftAlone) {
-    fs::create_directories(file());  // a folder where the file should be
-    UsageKeeper keeper = make();
-    EXPECT_EQ(keeper.problem(), UsageKeeper::Problem::unreadable);
-    keeper.start();
-    keeper.stop();
-    EXPECT_TRUE(fs::is_directory(file()));
-    EXPECT_TRUE(fs::is_empty(file()));
-    EXPECT_EQ(lines(), std::vector<std::string>{
-                           "could not read the usage history file, so it is left as it is and not saved"});
+TEST_F(UsageKeeperTest, ANewerOrUnreadableFileIsNeverWrittenWhileCountingGoesOnInMemory) {
+    const std::string newer = R"({"schemaVersion": 2, "whatever": [1, 2]})";
+    for (bool unreadable : {false, true}) {
+        out.str("");
+        fs::remove_all(file());
+        if (unreadable) fs::create_directories(file());  // a folder where the file should be
+        else AtomicFile::write(file(), newer);
+        UsageKeeper keeper = make();
+        EXPECT_EQ(keeper.problem(), unreadable ? UsageKeeper::Problem::unreadable : UsageKeeper::Problem::needsNewerApp);
+        keeper.start();
+        watchFiveSeconds(keeper);
+        EXPECT_EQ(keeper.recorder().history().days.begin()->second.sites.at("news.example").seconds, 5.0);
+        keeper.saveIfChanged();
+        keeper.clearHistory();
+        keeper.stop();
+        if (unreadable) EXPECT_TRUE(fs::is_directory(file()) && fs::is_empty(file()));
+        else EXPECT_EQ(AtomicFile::read(file()), newer);
+        EXPECT_FALSE(fs::exists(broken()));
+        EXPECT_EQ(lines(), std::vector<std::string>{
+                               unreadable ? "could not read the usage history file, so it is left as it is and not saved"
+                                          : "the usage history file is from a newer version, so it is left as it is "
+                                            "and not saved"});
+    }
 }
 
 TEST_F(UsageKeeperTest, ABrokenFileIsSetAsideAndCountingStartsAfresh) {
@@ -153,26 +147,19 @@ TEST_F(UsageKeeperTest, AFailedSaveIsLoggedAndTriedAgain) {
 }
 
 TEST_F(UsageKeeperTest, ClearingRemovesBothFilesAndWritesAnEmptyHistory) {
-    {
-        UsageKeeper keeper = make();
-        keeper.start();
-        keeper.recorder().record({SiteSighting{"news.example", true, false, false}}, clock.now(), true,
-                                 clock.calendar());
-        clock.advance(5);
-        keeper.recorder().record({SiteSighting{"news.example", true, false, false}}, clock.now(), true,
-                                 clock.calendar());
-        keeper.stop();
-    }
-    ASSERT_FALSE(onDisk().days.empty());
     AtomicFile::write(broken(), "old");
-    clock.advance(3600);
     UsageKeeper keeper = make();
     keeper.start();
+    watchFiveSeconds(keeper);
+    keeper.saveIfChanged();
+    ASSERT_FALSE(onDisk().days.empty());
+    clock.advance(3600);
     keeper.clearHistory();
     EXPECT_FALSE(fs::exists(broken()));
     UsageHistory cleared = onDisk();
     EXPECT_EQ(cleared.began, clock.now());
     EXPECT_TRUE(cleared.days.empty());
+    EXPECT_TRUE(keeper.recorder().history().days.empty());
     EXPECT_FALSE(keeper.recorder().hasUnsavedChanges());
     EXPECT_EQ(out.str(), "10:00:05 usage history cleared\n");
 }

@@ -22,38 +22,30 @@ std::pair<SiteSettings, std::vector<std::string>> convertOne(RuleSetV1::Settings
     return {converted.sites.at(0).settings, notes};
 }
 
+/// New settings on Monday and Friday, as every old settings value of these tests had.
+SiteSettings now(GrayTrigger trigger, StayGray stay = StayGray::untilLeave(), std::optional<ActiveHours> hours = {}) {
+    return SiteSettings{hours, {Weekday::monday, Weekday::friday}, trigger, stay};
+}
+
 TEST(RuleSetV1, EveryOldChoiceMapsByTheTable) {
-    const WeekdaySet days{Weekday::monday, Weekday::friday};
     const auto hour = CountPeriod::hour;
-    struct Case {
-        const char* what;
-        RuleSetV1::Settings settings;
-        SiteSettings expected;
+    const std::pair<RuleSetV1::Settings, SiteSettings> cases[] = {
+        {old(When{}, 2), now(GrayTrigger::afterLimit(std::nullopt, 2, hour))},
+        {old(When{}, 0), now(GrayTrigger::rightAway())},
+        {old(When{When::Kind::duringHours, {21, 0}, {7, 30}, 0}, 4),
+         now(GrayTrigger::afterLimit(std::nullopt, 4, hour), StayGray::untilLeave(), ActiveHours{{21, 0}, {7, 30}})},
+        {old(gray(20), -2), now(GrayTrigger::rightAway(), StayGray::forMinutes(20))},
+        {old(colorThen(5), 3), now(GrayTrigger::afterLimit(5, 3, hour))},
+        {old(colorThen(5), std::nullopt), now(GrayTrigger::afterLimit(5, std::nullopt, hour))},
+        {old(colorThen(5), -1), now(GrayTrigger::afterLimit(5, std::nullopt, hour))},
+        {old(colorThen(5), 0), now(GrayTrigger::rightAway())},
+        {old(When{When::Kind::untilBrowserQuits, {}, {}, 0}, 1),
+         now(GrayTrigger::afterLimit(std::nullopt, 1, hour), StayGray::untilChromeQuits())},
     };
-    const Case cases[] = {
-        {"whenever open, 2 opens", old(When{}, 2),
-         {std::nullopt, days, GrayTrigger::afterLimit(std::nullopt, 2, hour), StayGray::untilLeave()}},
-        {"whenever open, 0 opens", old(When{}, 0),
-         {std::nullopt, days, GrayTrigger::rightAway(), StayGray::untilLeave()}},
-        {"during hours", old(When{When::Kind::duringHours, {21, 0}, {7, 30}, 0}, 4),
-         {ActiveHours{{21, 0}, {7, 30}}, days, GrayTrigger::afterLimit(std::nullopt, 4, hour), StayGray::untilLeave()}},
-        {"gray for minutes", old(gray(20), -2),
-         {std::nullopt, days, GrayTrigger::rightAway(), StayGray::forMinutes(20)}},
-        {"color then gray, 3 opens", old(colorThen(5), 3),
-         {std::nullopt, days, GrayTrigger::afterLimit(5, 3, hour), StayGray::untilLeave()}},
-        {"color then gray, no opens", old(colorThen(5), std::nullopt),
-         {std::nullopt, days, GrayTrigger::afterLimit(5, std::nullopt, hour), StayGray::untilLeave()}},
-        {"color then gray, -1 opens", old(colorThen(5), -1),
-         {std::nullopt, days, GrayTrigger::afterLimit(5, std::nullopt, hour), StayGray::untilLeave()}},
-        {"color then gray, 0 opens", old(colorThen(5), 0),
-         {std::nullopt, days, GrayTrigger::rightAway(), StayGray::untilLeave()}},
-        {"until browser quits", old(When{When::Kind::untilBrowserQuits, {}, {}, 0}, 1),
-         {std::nullopt, days, GrayTrigger::afterLimit(std::nullopt, 1, hour), StayGray::untilChromeQuits()}},
-    };
-    for (const Case& item : cases) {
-        auto [settings, notes] = convertOne(item.settings);
-        EXPECT_EQ(settings, item.expected) << item.what;
-        EXPECT_TRUE(notes.empty()) << item.what;
+    for (std::size_t row = 0; row < std::size(cases); ++row) {
+        auto [converted, notes] = convertOne(cases[row].first);
+        EXPECT_EQ(converted, cases[row].second) << "row " << row;
+        EXPECT_TRUE(notes.empty()) << "row " << row;
     }
 }
 
@@ -61,29 +53,19 @@ TEST(RuleSetV1, KeepsIdentitiesAndPinsAndNotesWhatIsLost) {
     Uuid followerID = Uuid::random();
     Uuid ownID = Uuid::random();
     DayOff dayOff{Uuid::random(), "Holiday", 12, 26, std::nullopt};
-    RuleSetV1 rules{
-        old(gray(10), 3, SitePin::grayThisSite),
-        {
-            {followerID, "news.example.org", old(gray(99), 7, SitePin::showInColor), true},
-            {ownID, "example.com", old(gray(20), 2, SitePin::grayThisSite), false},
-        },
-        {dayOff},
-    };
+    RuleSetV1 rules{old(gray(10), 3, SitePin::grayThisSite),
+                    {{followerID, "news.example.org", old(gray(99), 7, SitePin::showInColor), true},
+                     {ownID, "example.com", old(gray(20), 2, SitePin::grayThisSite), false}},
+                    {dayOff}};
     auto [converted, notes] = rules.converted();
     EXPECT_EQ(converted.schemaVersion, 3);
-    EXPECT_EQ(converted.newSiteDefaults.stayGray, StayGray::forMinutes(10));
+    EXPECT_EQ(converted.newSiteDefaults, now(GrayTrigger::rightAway(), StayGray::forMinutes(10)));
     EXPECT_EQ(converted.daysOff, std::vector<DayOff>{dayOff});
-    ASSERT_EQ(converted.sites.size(), 2u);
-    const SiteRule& follower = converted.sites[0];
-    EXPECT_EQ(follower.id, followerID);
-    EXPECT_EQ(follower.host, "news.example.org");
-    EXPECT_EQ(follower.name, std::nullopt);
-    EXPECT_TRUE(follower.usesNewSiteDefaults);
-    EXPECT_EQ(follower.settings, converted.newSiteDefaults);
-    EXPECT_EQ(follower.pin, SitePin::showInColor);
-    EXPECT_EQ(converted.sites[1].id, ownID);
-    EXPECT_FALSE(converted.sites[1].usesNewSiteDefaults);
-    EXPECT_EQ(converted.sites[1].pin, SitePin::grayThisSite);
+    SiteSettings own = now(GrayTrigger::rightAway(), StayGray::forMinutes(20));
+    EXPECT_EQ(converted.sites,
+              (std::vector<SiteRule>{
+                  {followerID, "news.example.org", {}, true, converted.newSiteDefaults, SitePin::showInColor},
+                  {ownID, "example.com", {}, false, own, SitePin::grayThisSite}}));
     // The follower's own old settings are never converted, so they add no note.
     EXPECT_EQ(notes, (std::vector<std::string>{
                          "Defaults for new sites: kept gray for 10 minutes; its limit of 3 opens an hour could not "

@@ -7,30 +7,26 @@ using State = SiteStatus::State;
 
 TEST_F(Tracking, StatusFiguresCountTheRulesPeriodAndTruncateMinutes) {
     list("example.com", settings(GrayTrigger::afterLimit(2, std::nullopt, CountPeriod::hour)));
-    SiteStatus fresh = tracker.status(rules.sites[0], rules, start, calendar);
-    EXPECT_EQ(fresh, (SiteStatus{State::color, 0, std::nullopt, 0, 2, CountPeriod::hour})) << "a rule not yet seen";
+    auto status = [&](double t) { return tracker.status(rules.sites[0], rules, start + t, calendar); };
+    EXPECT_EQ(status(0), (SiteStatus{State::color, 0, std::nullopt, 0, 2, CountPeriod::hour})) << "a rule not yet seen";
 
     for (double t = 0; t <= 105; t += 15) pass(t, {shown(1, "example.com")});
     pass(119.9, {shown(1, "example.com")});
-    SiteStatus status = tracker.status(rules.sites[0], rules, start + 119.9, calendar);
-    EXPECT_EQ(status.minutesUsed, 1) << "119.9 seconds are one whole minute";
-    EXPECT_EQ(status.state, State::color) << "2 minutes are not used up";
+    EXPECT_EQ(status(119.9).minutesUsed, 1) << "119.9 seconds are one whole minute";
+    EXPECT_EQ(status(119.9).state, State::color) << "2 minutes are not used up";
 
     rules.sites[0].settings = settings(GrayTrigger::afterLimit(std::nullopt, 1, CountPeriod::hour));
     pass(125, {shown(1, "example.com"), shown(2, "example.com")});
-    status = tracker.status(rules.sites[0], rules, start + 125, calendar);
-    EXPECT_EQ(status, (SiteStatus{State::color, 1, 1, 2, std::nullopt, CountPeriod::hour}))
+    EXPECT_EQ(status(125), (SiteStatus{State::color, 1, 1, 2, std::nullopt, CountPeriod::hour}))
         << "minutes are reported without a minutes limit";
-    EXPECT_EQ(tracker.status(rules.sites[0], rules, start + 3725, calendar).opensUsed, 0) << "exactly an hour ago";
-    EXPECT_EQ(tracker.status(rules.sites[0], rules, start + 3724.999, calendar).opensUsed, 1);
+    EXPECT_EQ(status(3725).opensUsed, 0) << "exactly an hour ago";
+    EXPECT_EQ(status(3724.999).opensUsed, 1);
 
     for (double t = 130; t <= 3600; t += 10) pass(t, {shown(1, "example.com")});
-    EXPECT_EQ(tracker.status(rules.sites[0], rules, start + 5400, calendar).minutesUsed, 30)
-        << "of a span from 90 to 30 minutes ago, the last hour holds 30 minutes";
+    EXPECT_EQ(status(5400).minutesUsed, 30) << "of a span from 90 to 30 minutes ago, the last hour holds 30 minutes";
 
     rules.sites[0].settings = settings(GrayTrigger::rightAway());
-    EXPECT_EQ(tracker.status(rules.sites[0], rules, start + 3600, calendar),
-              (SiteStatus{State::color, 0, std::nullopt, 0, std::nullopt, std::nullopt}));
+    EXPECT_EQ(status(3600), (SiteStatus{State::color, 0, std::nullopt, 0, std::nullopt, std::nullopt}));
 }
 
 TEST_F(Tracking, StatusStateGivesTheFirstReasonThatHolds) {

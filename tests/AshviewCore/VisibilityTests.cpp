@@ -15,71 +15,55 @@ constexpr std::int32_t other = 77;
 Window at(std::int64_t number, Rect frame, std::int32_t pid = other, std::int64_t layer = 0, double alpha = 1.0) {
     return Window{number, frame, pid, layer, alpha};
 }
+double fraction(Rect of, const std::vector<Rect>& covers) { return Visibility::uncoveredFraction(of, covers); }
 
 TEST(Visibility, SamplesTheRectangleOnASixteenBySixteenGrid) {
     Rect window{0, 0, 160, 160};
-    EXPECT_EQ(Visibility::uncoveredFraction(window, {}), 1.0);
-    EXPECT_EQ(Visibility::uncoveredFraction(window, {Rect{-5, -5, 200, 200}}), 0.0);
-    EXPECT_EQ(Visibility::uncoveredFraction(window, {Rect{0, 0, 80, 160}}), 0.5) << "left half, edge on a cell boundary";
-    // Overlapping covers count each point once.
-    EXPECT_EQ(Visibility::uncoveredFraction(window, {Rect{0, 0, 80, 160}, Rect{40, 0, 80, 160}}), 0.25);
-    // A cover that only touches an edge is no cover; nor is one far away.
-    EXPECT_EQ(Visibility::uncoveredFraction(window, {Rect{160, 0, 50, 160}, Rect{0, -40, 160, 40}, Rect{500, 500, 9, 9}}),
-              1.0);
-    // A cover over a single cell centre takes exactly one point.
-    EXPECT_EQ(Visibility::uncoveredFraction(window, {Rect{0, 0, 6, 6}}), 255.0 / 256);
+    EXPECT_EQ(fraction(window, {}), 1.0);
+    EXPECT_EQ(fraction(window, {Rect{-5, -5, 200, 200}}), 0.0);
+    EXPECT_EQ(fraction(window, {Rect{0, 0, 80, 160}}), 0.5) << "left half, edge on a cell boundary";
+    EXPECT_EQ(fraction(window, {Rect{0, 0, 80, 160}, Rect{40, 0, 80, 160}}), 0.25) << "each point counts once";
+    EXPECT_EQ(fraction(window, {Rect{160, 0, 50, 160}, Rect{0, -40, 160, 40}}), 1.0) << "touching is no cover";
+    EXPECT_EQ(fraction(window, {Rect{0, 0, 6, 6}}), 255.0 / 256) << "one cell centre";
     // Negative sizes span the other way, as the platform's rectangles do.
-    EXPECT_EQ(Visibility::uncoveredFraction(Rect{160, 160, -160, -160}, {Rect{0, 0, 80, 160}}), 0.5);
-}
-
-TEST(Visibility, ZeroSizedWindowsAreSampledAlongTheirLine) {
-    EXPECT_EQ(Visibility::uncoveredFraction(Rect{10, 10, 0, 100}, {}), 1.0);
-    EXPECT_EQ(Visibility::uncoveredFraction(Rect{10, 10, 100, 0}, {}), 1.0);
-    EXPECT_EQ(Visibility::uncoveredFraction(Rect{10, 10, 0, 100}, {Rect{0, 0, 50, 200}}), 0.0);
-    EXPECT_EQ(Visibility::uncoveredFraction(Rect{10, 10, 0, 100}, {Rect{0, 0, 10, 200}}), 1.0)
-        << "the line lies on the cover's far edge, which the cover does not hold";
+    EXPECT_EQ(fraction(Rect{160, 160, -160, -160}, {Rect{0, 0, 80, 160}}), 0.5);
+    // Zero-sized windows are sampled along their line.
+    EXPECT_EQ(fraction(Rect{10, 10, 100, 0}, {}), 1.0);
+    EXPECT_EQ(fraction(Rect{10, 10, 0, 100}, {Rect{0, 0, 50, 200}}), 0.0);
+    EXPECT_EQ(fraction(Rect{10, 10, 0, 100}, {Rect{0, 0, 10, 200}}), 1.0) << "on the cover's far edge";
 }
 
 TEST(Visibility, TheThresholdIsAQuarterInclusive) {
     std::vector<Window> quarterLeft{at(1, Rect{0, 0, 160, 120}), at(2, Rect{0, 0, 160, 160})};
     EXPECT_EQ(Visibility::uncoveredFraction(2, quarterLeft, self), 0.25);
     EXPECT_TRUE(Visibility::isVisible(2, quarterLeft, self));
-
     // One more sample point covered: 63/256.
-    std::vector<Window> justUnder{at(1, Rect{0, 0, 160, 120}), at(3, Rect{0, 120, 10, 10}), at(2, Rect{0, 0, 160, 160})};
-    EXPECT_EQ(Visibility::uncoveredFraction(2, justUnder, self), 63.0 / 256);
-    EXPECT_FALSE(Visibility::isVisible(2, justUnder, self));
+    quarterLeft.insert(quarterLeft.begin() + 1, at(3, Rect{0, 120, 10, 10}));
+    EXPECT_FALSE(Visibility::isVisible(2, quarterLeft, self));
 }
 
 TEST(Visibility, OnlyNormalOpaqueForeignWindowsInFrontCover) {
-    Rect frame{100, 100, 400, 300};
     Rect over{0, 0, 1000, 1000};
     std::vector<Window> stack{
-        at(10, over, self),  // this program's overlay
-        at(11, over, other, 25),  // the menu bar's layer
+        at(10, over, self),           // this program's overlay
+        at(11, over, other, 25),      // the menu bar's layer
         at(12, over, other, 0, 0.0),  // invisible
-        at(2, frame),
+        at(2, Rect{100, 100, 400, 300}),
         at(13, over),  // behind the target
     };
     EXPECT_EQ(Visibility::uncoveredFraction(2, stack, self), 1.0);
-    EXPECT_TRUE(Visibility::isVisible(2, stack, self));
-
     stack.insert(stack.begin(), at(14, over, other, 0, 0.01));  // barely visible still hides
     EXPECT_EQ(Visibility::uncoveredFraction(2, stack, self), 0.0);
-
     stack[0] = at(14, over, other, -1);  // below the normal layer
     EXPECT_EQ(Visibility::uncoveredFraction(2, stack, self), 1.0);
     // The owner filter is the caller's: another pid to ignore makes our overlay count.
     EXPECT_EQ(Visibility::uncoveredFraction(2, stack, other), 0.0);
-}
 
-TEST(Visibility, AWindowOutsideTheStackHasNoFraction) {
-    std::vector<Window> stack{at(1, Rect{0, 0, 10, 10}), at(2, Rect{0, 0, 10, 10}), at(2, Rect{500, 500, 10, 10})};
-    EXPECT_EQ(Visibility::uncoveredFraction(9, stack, self), std::nullopt);
-    EXPECT_FALSE(Visibility::isVisible(9, stack, self));
-    EXPECT_EQ(Visibility::uncoveredFraction(1, {}, self), std::nullopt);
-    EXPECT_EQ(Visibility::uncoveredFraction(1, stack, self), 1.0) << "the frontmost window has no cover";
-    EXPECT_EQ(Visibility::uncoveredFraction(2, stack, self), 0.0) << "the first entry of a number is the one judged";
+    // A window outside the stack has no fraction; the first entry of a number is the one judged.
+    std::vector<Window> twice{at(1, Rect{0, 0, 10, 10}), at(2, Rect{0, 0, 10, 10}), at(2, Rect{500, 500, 10, 10})};
+    EXPECT_EQ(Visibility::uncoveredFraction(9, twice, self), std::nullopt);
+    EXPECT_FALSE(Visibility::isVisible(9, twice, self));
+    EXPECT_EQ(Visibility::uncoveredFraction(2, twice, self), 0.0);
 }
 
 // The sampling as plainly as it can be said: every point against every cover.
@@ -102,14 +86,14 @@ TEST(Visibility, AgreesWithSamplingPointByPointOnRandomStacks) {
     // sample points fall exactly on cover edges again and again.
     std::uniform_int_distribution<int> coordinate(-10, 100);
     std::uniform_int_distribution<int> extent(-2, 10);
-    auto rect = [&] { return Rect{4.0 * coordinate(random), 4.0 * coordinate(random), 32.0 * extent(random),
-                                  32.0 * extent(random)}; };
+    auto rect = [&] {
+        return Rect{4.0 * coordinate(random), 4.0 * coordinate(random), 32.0 * extent(random), 32.0 * extent(random)};
+    };
     for (int round = 0; round < 400; ++round) {
         Rect target = rect();
         std::vector<Rect> covers(static_cast<std::size_t>(round % 9));
         for (Rect& cover : covers) cover = rect();
-        ASSERT_EQ(Visibility::uncoveredFraction(target, covers), pointByPoint(target, covers))
-            << "round " << round;
+        ASSERT_EQ(fraction(target, covers), pointByPoint(target, covers)) << "round " << round;
     }
 }
 

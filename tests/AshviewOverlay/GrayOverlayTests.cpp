@@ -56,6 +56,18 @@ TEST(GrayOverlay, MakesTheWindowStepByStepInTheRequiredOrder) {
     EXPECT_FALSE(overlays[0].isOrderedIn) << "made, not shown";
     EXPECT_TRUE(overlays[0].desaturates);
     EXPECT_EQ(overlays[0].frame, (Rect{10, 20, 320, 240}));
+
+    // Each rearm writes all three hosting values again.
+    desktop.clearOverlayJournal();
+    gray.rearm(*window);
+    gray.rearm(*window);
+    std::vector<std::string> journal = desktop.overlayJournal();
+    ASSERT_EQ(journal.size(), 6u);
+    EXPECT_EQ(journal[0], w + " setValue \"shouldAutoFlattenLayerTree\" false");
+    EXPECT_EQ(journal[1], w + " setValue \"canHostLayersInWindowServer\" false");
+    EXPECT_EQ(journal[2], w + " setValue \"canHostLayersInWindowServer\" true");
+    EXPECT_EQ(std::vector<std::string>(journal.begin() + 3, journal.end()),
+              std::vector<std::string>(journal.begin(), journal.begin() + 3));
 }
 
 TEST(GrayOverlay, EachOverlayHasAGroupOfItsOwnAndLetsClicksThrough) {
@@ -71,8 +83,6 @@ TEST(GrayOverlay, EachOverlayHasAGroupOfItsOwnAndLetsClicksThrough) {
     EXPECT_EQ(overlays[0].groupName->rfind("ashview-", 0), 0u);
     EXPECT_EQ(overlays[0].groupName->size(), std::string("ashview-").size() + 36);
     EXPECT_NE(overlays[0].groupName, overlays[1].groupName);
-    EXPECT_EQ(overlays[0].collectionBehavior, 337u);
-    EXPECT_FALSE(overlays[0].hasShadow);
 
     EXPECT_EQ(desktop.overlayAbove(below), first->windowNumber());
     EXPECT_EQ(desktop.windowAt(Point{400, 450}), below) << "a click goes through the overlay";
@@ -83,37 +93,9 @@ TEST(GrayOverlay, EachOverlayHasAGroupOfItsOwnAndLetsClicksThrough) {
         << "the compositor is asked once";
 }
 
-TEST(GrayOverlay, RearmWritesBothHostingValuesEveryTime) {
-    SimDesktop desktop;
-    GrayOverlay gray(desktop.overlayWindows());
-    auto window = gray.make(Rect{0, 0, 10, 10});
-    desktop.clearOverlayJournal();
-    gray.rearm(*window);
-    gray.rearm(*window);
-    std::string w = "window " + std::to_string(window->windowNumber());
-    std::vector<std::string> once{w + " setValue \"shouldAutoFlattenLayerTree\" false",
-                                  w + " setValue \"canHostLayersInWindowServer\" false",
-                                  w + " setValue \"canHostLayersInWindowServer\" true"};
-    std::vector<std::string> twice = once;
-    twice.insert(twice.end(), once.begin(), once.end());
-    EXPECT_EQ(desktop.overlayJournal(), twice);
-}
-
-TEST(GrayOverlay, WithoutTheCompositorsPiecesItIsUnavailableAndInert) {
-    for (int missing = 0; missing < 2; ++missing) {
-        SimDesktop desktop;
-        if (missing == 0) desktop.setBackdropClassMissing();
-        else desktop.setSaturateFilterMissing();
-        GrayOverlay gray(desktop.overlayWindows());
-        EXPECT_FALSE(gray.isAvailable());
-        auto window = gray.make(Rect{0, 0, 100, 100});
-        ASSERT_TRUE(window) << "a clear window is still made";
-        desktop.clearOverlayJournal();
-        gray.rearm(*window);
-        EXPECT_TRUE(desktop.overlayJournal().empty()) << "rearm touches no key";
-        EXPECT_FALSE(desktop.overlays()[0].desaturates);
-        EXPECT_FALSE(desktop.overlays()[0].groupName);
-    }
+// Without the compositor's pieces the controller places no overlay at all
+// (checked with the read pass); here the one piece that fails per window.
+TEST(GrayOverlay, ABackdropThatCannotBeMadeLeavesThatWindowWithoutOne) {
     // The class exists but makes no object: available, yet this one window
     // gets no backdrop.
     SimDesktop desktop;

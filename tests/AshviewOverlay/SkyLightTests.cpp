@@ -35,16 +35,23 @@ TEST_F(SkyLightTest, EventsComeOnlyForTheWindowsLastAskedFor) {
     EXPECT_EQ(sky.requestEvents({watched, later}), 0);  // replaces, does not add
     desktop.moveBy(ignored, 5, 5);
     desktop.setBounds(watched, Rect{10, 10, 200, 100});
+    desktop.setBounds(watched, Rect{10, 10, 200, 100});  // no change: no event
+    desktop.moveBy(watched, 0, 0);
+    desktop.setBounds(later, Rect{0, 0, 150, 100});  // size only
     desktop.bringToFront(later);
     desktop.minimise(watched);
+    desktop.restore(watched);
+    desktop.setOnScreen(later, false);  // a Space change tells nothing
     desktop.closeWindow(later);
     auto w = static_cast<std::uint32_t>(watched);
     auto l = static_cast<std::uint32_t>(later);
-    EXPECT_EQ(heard, (std::vector<SimEvent>{{806, w}, {807, w}, {808, l}, {816, w}, {804, l}}));
+    EXPECT_EQ(heard,
+              (std::vector<SimEvent>{{806, w}, {807, w}, {807, l}, {808, l}, {816, w}, {808, w}, {804, l}}));
+    EXPECT_EQ(desktop.deliveredEvents(), heard);
 
     EXPECT_EQ(sky.requestEvents({}), 0);
     desktop.moveBy(watched, 1, 1);
-    EXPECT_EQ(heard.size(), 5u) << "an empty request stops all events";
+    EXPECT_EQ(heard.size(), 7u) << "an empty request stops all events";
     EXPECT_EQ(desktop.counts().connections, 1u) << "the connection is taken once and kept";
 }
 

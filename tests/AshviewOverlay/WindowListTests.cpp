@@ -127,19 +127,5 @@ TEST_F(WindowListTest, PositionsFollowTheInputAndSkipEntriesWithoutNumber) {
     EXPECT_EQ(list.positions({middle, back}), (std::vector<int>{0, 1}));
 }
 
-TEST(WindowListEntry, TheNormalWindowFilter) {
-    SimDesktop desktop;
-    Geometry geometry(desktop.windowServer());
-    WindowInfo good{7, 1, "App", 0, 1.0, Rect{0, 0, 10, 10}};
-    EXPECT_EQ(WindowList::normalWindow(good, false, geometry), (ForeignWindow{7, Rect{0, 890, 10, 10}, false}));
-    WindowInfo noLayer = good, raised = good, noNumber = good, noBounds = good;
-    noLayer.layer.reset();
-    raised.layer = 3;
-    noNumber.number.reset();
-    noBounds.bounds.reset();
-    for (const WindowInfo& bad : {noLayer, raised, noNumber, noBounds})
-        EXPECT_EQ(WindowList::normalWindow(bad, true, geometry), std::nullopt);
-}
-
 }  // namespace
 }  // namespace ashview

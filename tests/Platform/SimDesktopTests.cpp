@@ -57,27 +57,6 @@ TEST(SimDesktop, StacksByLayerThenByOrderWithOverlaysAmongThem) {
     EXPECT_EQ(desktop.window(o), std::nullopt);
 }
 
-TEST(SimDesktop, ChangesRaiseTheirEventsOnlyForRequestedWindows) {
-    heard.clear();
-    SimDesktop desktop;
-    std::int64_t a = desktop.openWindow(app(Rect{0, 0, 100, 100}));
-    std::int64_t b = desktop.openWindow(app(Rect{0, 0, 100, 100}));
-    std::int64_t mail = desktop.openWindow(SimWindowSetup{502, "Mail", Rect{0, 0, 100, 100}});
-    subscribe(desktop, {a, b, mail});
-    desktop.setBounds(a, Rect{0, 0, 100, 100});  // no change at all
-    desktop.setBounds(a, Rect{0, 0, 150, 100});  // size only
-    desktop.moveBy(b, 0, 0);
-    desktop.restore(a);
-    desktop.closeWindows(501);
-    desktop.setOnScreen(mail, false);  // a Space change tells nothing
-    auto n = [](std::int64_t number) { return static_cast<std::uint32_t>(number); };
-    EXPECT_EQ(heard, (std::vector<SimEvent>{{807, n(a)}, {808, n(a)}, {804, n(a)}, {804, n(b)}}));
-    EXPECT_EQ(desktop.deliveredEvents(), heard);
-    EXPECT_EQ(desktop.onScreenStack(), Numbers{});
-    EXPECT_THROW(desktop.moveBy(a, 1, 1), std::out_of_range);
-    EXPECT_THROW(desktop.orderRelative(mail, true, mail), std::out_of_range);
-}
-
 TEST(SimDesktop, SwitchingSpacesMovesWindowsButNotOverlays) {
     heard.clear();
     SimDesktop desktop;
@@ -99,27 +78,6 @@ TEST(SimDesktop, SwitchingSpacesMovesWindowsButNotOverlays) {
     EXPECT_TRUE(heard.empty());
     EXPECT_THROW(desktop.switchSpace({here}, {999}), std::out_of_range);
     EXPECT_TRUE(desktop.window(first)->isOnScreen) << "a bad switch changes nothing";
-}
-
-TEST(SimDesktop, TheSameStepsGiveTheSameWorld) {
-    auto run = [] {
-        heard.clear();
-        SimDesktop desktop;
-        std::vector<std::int64_t> windows;
-        for (int index = 0; index < 6; ++index)
-            windows.push_back(desktop.openWindow(app(Rect{index * 10.0, 0, 300, 200}, index % 2)));
-        subscribe(desktop, windows);
-        std::vector<std::shared_ptr<OverlayWindow>> overlays;
-        for (int index = 0; index < 3; ++index) {
-            overlays.push_back(desktop.overlayWindows().makeWindow(Rect{0, 0, 300, 200}, 0, 2, false));
-            overlays.back()->orderWindow(WindowOrderingMode::above, windows[static_cast<std::size_t>(index) * 2]);
-        }
-        desktop.moveBy(windows[2], 5, 5);
-        desktop.bringToFront(windows[4]);
-        desktop.minimise(windows[0]);
-        return std::make_tuple(desktop.onScreenStack(), desktop.overlayJournal(), heard);
-    };
-    EXPECT_EQ(run(), run());
 }
 
 }  // namespace

@@ -22,103 +22,57 @@ std::string refusal(std::string_view text) {
     return "accepted";
 }
 
-TEST(ScenarioScript, ReadsADayOfDesktopEventsWithLinesLabelsAndComments) {
+// The golden and built-in scenarios play clock, launch, open, tab, wait,
+// move, resize and most rule changes end to end; this reads the rest.
+TEST(ScenarioScript, ReadsCommandsWithLinesLabelsAndComments) {
     ScenarioScript script = parsed(
         "# a short day\n"
-        "clock 2026-11-23 08:30 Europe/Berlin de_DE\n"
         "\n"
         "launch chrome launched 08:29:58.1   # before the program\n"
         "start\n"
-        "open news in chrome at https://news.example/#top frame 100 80 900 700\n"
         "launch app com.example.chat \"Chat Pro\"\n"
         "open chat1 in com.example.chat\n"
-        "wait 1h30m\n"
-        "wait until 13:00:30\n"
+        "open news in chrome at https://news.example/#top\n"
         "tab news none\n"
-        "move news by -40 12.5\n"
         "cover news with chat1\n"
         "space leave news arrive chat1\n"
-        "quit chrome\n");
-    ASSERT_EQ(script.commands.size(), 13U);
-    const ScenarioCommand& clock = script.commands[0];
-    EXPECT_EQ(clock.kind, Kind::clock);
-    EXPECT_EQ(clock.line, 2);
-    EXPECT_EQ(clock.dateTime, (std::vector<long>{2026, 11, 23}));
-    EXPECT_DOUBLE_EQ(clock.seconds, 8.5 * 3600);
-    EXPECT_EQ(clock.zone, "Europe/Berlin");
-    EXPECT_EQ(clock.locale, "de_DE");
-
-    const ScenarioCommand& launch = script.commands[1];
-    EXPECT_EQ(launch.kind, Kind::launchBrowser);
-    EXPECT_EQ(launch.program, "com.google.Chrome");
-    EXPECT_DOUBLE_EQ(*launch.launched, 8 * 3600 + 29 * 60 + 58.1);
-    EXPECT_EQ(launch.text, "launch chrome launched 08:29:58.1");
-    EXPECT_EQ(launch.line, 4);
-
-    const ScenarioCommand& open = script.commands[3];
-    EXPECT_EQ(open.label, "news");
-    EXPECT_EQ(open.address, "https://news.example/#top");
-    EXPECT_EQ(open.frame, (std::vector<double>{100, 80, 900, 700}));
-    EXPECT_EQ(script.commands[4].name, "Chat Pro");
-    EXPECT_EQ(script.commands[5].program, "com.example.chat");
-    EXPECT_FALSE(script.commands[5].frame);
-    EXPECT_DOUBLE_EQ(script.commands[6].seconds, 5400);
-    EXPECT_EQ(script.commands[7].kind, Kind::waitUntil);
-    EXPECT_DOUBLE_EQ(script.commands[7].seconds, 13 * 3600 + 30);
-    EXPECT_EQ(script.commands[8].address, std::nullopt);
-    EXPECT_EQ(script.commands[9].numbers, (std::vector<double>{-40, 12.5}));
-    EXPECT_EQ(script.commands[10].others, (std::vector<std::string>{"chat1"}));
-    EXPECT_EQ(script.commands[11].labels, (std::vector<std::string>{"news"}));
-    EXPECT_EQ(script.commands[11].others, (std::vector<std::string>{"chat1"}));
-    EXPECT_EQ(script.commands[12].kind, Kind::quit);
-}
-
-TEST(ScenarioScript, ReadsTheUsersCommandsAndRuleChanges) {
-    ScenarioScript script = parsed(
-        "start\n"
-        "add site example.com\n"
-        "add app com.example.chat Chat\n"
-        "set example.com days mon,WED,friday hours 22:00-06:00 gray after 20m or 5 opens per day stay 10m\n"
         "set defaults gray right-away stay until-quit hours any\n"
-        "set app:com.example.chat gray after 1 open per session\n"
         "pin example.com gray\n"
         "color for 1h\n"
         "color for session\n"
         "add day off \"New Year\" 01-01\n"
         "add day off Launch 2026-12-03\n"
-        "reset example.com\n"
-        "remove example.com\n"
-        "displays sleep\nscreen lock\nsession away\nsession back\nscreen unlock\ndisplays wake\n"
-        "show\nstats\nrestart\nlog out\n");
-    ASSERT_EQ(script.commands.size(), 23U);
-    const auto& change = script.commands[3].change;
-    EXPECT_EQ(change.days, (WeekdaySet{Weekday::monday, Weekday::wednesday, Weekday::friday}));
-    EXPECT_EQ(change.hours, std::optional<ActiveHours>(ActiveHours{{22, 0}, {6, 0}}));
-    EXPECT_EQ(change.trigger, GrayTrigger::afterLimit(20, 5, CountPeriod::day));
-    EXPECT_EQ(change.stayGray, StayGray::forMinutes(10));
+        "session away\nsession back\nlog out\n");
+    ASSERT_EQ(script.commands.size(), 17U);
+    const ScenarioCommand& launch = script.commands[0];
+    EXPECT_EQ(launch.program, "com.google.Chrome");
+    EXPECT_DOUBLE_EQ(*launch.launched, 8 * 3600 + 29 * 60 + 58.1);
+    EXPECT_EQ(launch.text, "launch chrome launched 08:29:58.1");
+    EXPECT_EQ(launch.line, 3);
+    EXPECT_EQ(script.commands[2].name, "Chat Pro");
+    EXPECT_FALSE(script.commands[3].frame);
+    EXPECT_EQ(script.commands[4].address, "https://news.example/#top");
+    EXPECT_EQ(script.commands[5].address, std::nullopt);
+    EXPECT_EQ(script.commands[6].others, (std::vector<std::string>{"chat1"}));
+    EXPECT_EQ(script.commands[7].labels, (std::vector<std::string>{"news"}));
+    EXPECT_EQ(script.commands[7].others, (std::vector<std::string>{"chat1"}));
 
-    const auto& defaults = script.commands[4];
+    const auto& defaults = script.commands[8];
     EXPECT_EQ(defaults.site, "");
     EXPECT_EQ(defaults.change.trigger, GrayTrigger::rightAway());
     EXPECT_EQ(defaults.change.stayGray, StayGray::untilChromeQuits());
     ASSERT_TRUE(defaults.change.hours.has_value());
     EXPECT_FALSE(defaults.change.hours->has_value());  // "any": the whole day
     EXPECT_FALSE(defaults.change.days.has_value());    // not mentioned: unchanged
-
-    EXPECT_EQ(script.commands[5].change.trigger, GrayTrigger::afterLimit(std::nullopt, 1, CountPeriod::session));
-    EXPECT_EQ(script.commands[6].pin, SitePin::grayThisSite);
-    EXPECT_EQ(script.commands[7].minutes, 60);
-    EXPECT_EQ(script.commands[8].minutes, std::nullopt);
-    EXPECT_EQ(script.commands[9].name, "New Year");
-    EXPECT_EQ(script.commands[9].year, std::nullopt);
-    EXPECT_EQ(script.commands[10].year, 2026);
-    EXPECT_EQ(script.commands[10].month, 12);
-    EXPECT_EQ(script.commands[10].day, 3);
-    std::vector<Kind> system;
-    for (std::size_t i = 13; i < 23; ++i) system.push_back(script.commands[i].kind);
-    EXPECT_EQ(system, (std::vector<Kind>{Kind::displaysSleep, Kind::screenLock, Kind::sessionAway, Kind::sessionBack,
-                                         Kind::screenUnlock, Kind::displaysWake, Kind::show, Kind::stats,
-                                         Kind::restart, Kind::logOut}));
+    EXPECT_EQ(script.commands[9].pin, SitePin::grayThisSite);
+    EXPECT_EQ(script.commands[10].minutes, 60);
+    EXPECT_EQ(script.commands[11].minutes, std::nullopt);
+    EXPECT_EQ(script.commands[12].name, "New Year");
+    EXPECT_EQ(script.commands[12].year, std::nullopt);
+    EXPECT_EQ(script.commands[13].year, 2026);
+    EXPECT_EQ(script.commands[13].month, 12);
+    EXPECT_EQ(script.commands[13].day, 3);
+    EXPECT_EQ(script.commands[16].kind, Kind::logOut);
 }
 
 TEST(ScenarioScript, ABadLineNamesItsFileLineAndWhatWasExpected) {
@@ -128,11 +82,7 @@ TEST(ScenarioScript, ABadLineNamesItsFileLineAndWhatWasExpected) {
     };
     const std::vector<Case> cases{
         {"wait 25", "bad.scenario:1: expected a duration such as 25m, 1h30m or 1.9s"},
-        {"wait 25m\nwait -5m", "bad.scenario:2: expected a duration such as 25m, 1h30m or 1.9s"},
         {"wait until 24:00", "bad.scenario:1: expected a time of day such as 13:00 or 13:00:30"},
-        {"jump", "bad.scenario:1: expected a command (clock, wait, start, stop, restart, launch, quit, open, tab, "
-                 "focus, move, resize, cover, minimise, restore, close, space, displays, screen, session, log out, "
-                 "gray, pin, color, add, remove, set, reset, show, stats), not \"jump\""},
         {"start\nwait 1m\nclock 2026-11-23 09:00", "bad.scenario:3: expected \"clock\" only as the first command of the scenario"},
         {"clock 2026-02-30 09:00", "bad.scenario:1: expected a real date such as 2026-11-23"},
         {"clock 2026-11-23 09:00 Mars/Olympus", "bad.scenario:1: expected a time zone such as Europe/Berlin, not \"Mars/Olympus\""},
@@ -141,29 +91,22 @@ TEST(ScenarioScript, ABadLineNamesItsFileLineAndWhatWasExpected) {
         {"open news in chrome", "bad.scenario:1: expected a running browser or app, not \"chrome\""},
         {"launch chrome\nopen 1st in chrome", "bad.scenario:2: expected a label of letters, digits, - and _, beginning with a letter"},
         {"launch chrome\nopen a in chrome\nopen a in chrome", "bad.scenario:3: expected a label that no open window has"},
-        {"launch chrome\nopen a in chrome\nclose a\nmove a by 1 1", "bad.scenario:4: expected the label of an open window, not \"a\""},
         {"launch chrome\nopen a in chrome\nquit chrome\nfocus a", "bad.scenario:4: expected the label of an open window, not \"a\""},
         {"launch app com.example.chat\nopen c in com.example.chat at example.com", "bad.scenario:2: expected no address: an app's window shows none"},
         {"launch app com.example.chat\nopen c in com.example.chat\ntab c example.com", "bad.scenario:3: expected a browser window; \"c\" belongs to an app"},
         {"launch chrome\nopen a in chrome frame 0 0 0 10", "bad.scenario:2: expected a width and a height above 0"},
-        {"launch chrome\nopen a in chrome\nmove a 10 10", "bad.scenario:3: expected \"by DX DY\" or \"to X Y\""},
         {"launch chrome\nopen a in chrome\nmove a by 10", "bad.scenario:3: expected two numbers of points"},
         {"launch chrome\nopen a in chrome\ncover a with a", "bad.scenario:3: expected another window than the one covered"},
         {"gray a", "bad.scenario:1: expected \"start\" before \"gray\": Drabwise is not running here"},
-        {"start\nstop\nshow", "bad.scenario:3: expected \"start\" before \"show\": Drabwise is not running here"},
         {"start\nlog out\nstats", "bad.scenario:3: expected \"start\" before \"stats\": Drabwise is not running here"},
         {"start\nstart", "bad.scenario:2: expected \"start\" only while Drabwise is not running"},
         {"start\ncolor for 90s", "bad.scenario:2: expected whole minutes such as 5m, or \"session\""},
-        {"start\npin example.com grey", "bad.scenario:2: expected \"gray\", \"color\" or \"settings\""},
-        {"start\nset example.com", "bad.scenario:2: expected what to set: days, hours, gray or stay"},
         {"start\nset example.com gray after 0 opens per hour", "bad.scenario:2: expected one count of opens, at least 1"},
-        {"start\nset example.com gray after 20m per week", "bad.scenario:2: expected hour, day or session"},
         {"start\nset example.com gray after 20m", "bad.scenario:2: expected \"or\" and another limit, or \"per\" and hour, day or session"},
         {"start\nset example.com hours 9-17", "bad.scenario:2: expected hours such as 09:00-17:00, or \"any\""},
         {"start\nset example.com days mon,funday", "bad.scenario:2: expected days: every-day, weekdays, weekends, none, or a list such as mon,wed"},
         {"start\nset example.com stay 0m", "bad.scenario:2: expected until-leave, until-quit, or minutes such as 10m"},
         {"start\nadd day off \"Holiday 12-25", "bad.scenario:2: expected a closing \" in this line"},
-        {"displays dim", "bad.scenario:1: expected \"sleep\" or \"wake\""},
         {"screen lock now", "bad.scenario:1: expected the end of the line, not \"now\""},
     };
     for (const Case& c : cases) {
@@ -185,11 +128,9 @@ TEST(ScenarioScript, TracksWhatRunsAcrossRestartsAndLogOut) {
 TEST(ScenarioScript, NamesBrowsersByKeyIdentifierOrName) {
     EXPECT_EQ(scenarioBrowser("chrome"), "com.google.Chrome");
     EXPECT_EQ(scenarioBrowser("Safari"), "com.apple.Safari");
-    EXPECT_EQ(scenarioBrowser("com.microsoft.edgemac"), "com.microsoft.edgemac");
     EXPECT_EQ(scenarioBrowser("GoogleChromeCanary"), "com.google.Chrome.canary");
     EXPECT_EQ(scenarioBrowser("safari-preview"), "com.apple.SafariTechnologyPreview");
     EXPECT_EQ(scenarioBrowser("firefox"), std::nullopt);
-    EXPECT_EQ(scenarioBrowser(""), std::nullopt);
 }
 
 }  // namespace
