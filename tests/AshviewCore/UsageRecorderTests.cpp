@@ -80,14 +80,14 @@ TEST_F(Recording, AVisitSurvivesAbsencesShorterThanTheGrace) {
 }
 
 TEST_F(Recording, AGrayMomentCountsOnItsDayOnlyOnceItsTwoMinutesAreOver) {
-    // Gray at 23:58, gone after 119 s: left (judged by when it went, not
-    // when the grace ended), counted on the day it happened.
+    // Gray at 23:58, gone after exactly 120 s: left (judged by when it went,
+    // not when the grace ended), counted on the day it happened.
     Instant gray = *calendar.date(2026, 5, 12, 23, 58);
     for (double t : {0.0, 60.0, 110.0}) recorder.record({grayed("a")}, gray + t, true, calendar);
-    for (double t : {119.0, 130.0, 140.0}) recorder.record({hidden("a")}, gray + t, true, calendar);
+    for (double t : {120.0, 130.0, 149.0}) recorder.record({hidden("a")}, gray + t, true, calendar);
     EXPECT_EQ(totals("a").grayLeft, 0);
-    recorder.record({hidden("a")}, gray + 149, true, calendar);
-    EXPECT_EQ(totals("a"), (Totals{9, 9, 1, 1, 0}));
+    recorder.record({hidden("a")}, gray + 150, true, calendar);
+    EXPECT_EQ(totals("a"), (Totals{10, 10, 1, 1, 0}));
 
     // Leaves at once: decided at 35 s, but not counted before 120 s.
     pass(0, {grayed("b")});
@@ -191,6 +191,7 @@ TEST(UsageRecorder, UnwatchedTimeBeforeTheKeptDaysCostsNothing) {
         history.lastRun = run;
         UsageRecorder recorder(history);
         recorder.appStarted(now, bootTime, calendar);
+        EXPECT_EQ(recorder.history().began, Instant{0}) << "a start keeps when counting began";
         return recorder.history().days;
     };
     auto splitWholeThenPruned = [&](Instant from, Instant to) {
