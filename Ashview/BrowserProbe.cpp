@@ -116,15 +116,6 @@ const std::vector<ForeignWindow>& ScreenWindows::of(std::int32_t pid) const {
 }
 
 BrowserReading BrowserProbe::read(const Browser& browser, const RunningApplication& app,
-                                  const std::unordered_map<WindowKey, std::int64_t>& previous) {
-    std::optional<ScreenWindows> taken;
-    return read(browser, app, previous, [&]() -> const ScreenWindows& {
-        if (!taken) taken = ScreenWindows::take(*server_);
-        return *taken;
-    });
-}
-
-BrowserReading BrowserProbe::read(const Browser& browser, const RunningApplication& app,
                                   const std::unordered_map<WindowKey, std::int64_t>& previous,
                                   const std::function<const ScreenWindows&()>& screen) {
     if (isCoolingDown(app)) return BrowserReading::noAnswer();

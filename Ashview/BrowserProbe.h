@@ -87,12 +87,11 @@ public:
     /// keeps its partner while it moves. A cooling-down browser is sent
     /// nothing and gives `noAnswer`; -1743 gives `notAllowed` and no
     /// cooldown; any other failure gives `noAnswer` and starts a cooldown.
-    BrowserReading read(const Browser& browser, const RunningApplication& app,
-                        const std::unordered_map<WindowKey, std::int64_t>& previous);
-    /// The same, pairing with the windows `screen` gives. It is called only
-    /// once the script has answered, and at most once, so the window lists
-    /// are not fetched for a browser that gave no windows; a caller reading
-    /// several browsers can hand the same lists to each.
+    /// The reported windows are paired with the window server's windows
+    /// that `screen` gives; it is called only once the script has answered,
+    /// and at most once, so no window list is fetched for a browser that gave
+    /// no windows, and a caller reading several browsers can hand the same
+    /// lists to each.
     BrowserReading read(const Browser& browser, const RunningApplication& app,
                         const std::unordered_map<WindowKey, std::int64_t>& previous,
                         const std::function<const ScreenWindows&()>& screen);

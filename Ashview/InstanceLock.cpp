@@ -40,7 +40,11 @@ bool anotherCopyIsRunning(const std::filesystem::path& folder, std::ostream& err
     }
     int error = errno;
     ::close(descriptor);
-    return error == EWOULDBLOCK;
+    if (error == EWOULDBLOCK) return true;
+    // Another failure (no locks on this file system, say) must not keep the
+    // program from starting, but the user should learn it runs unguarded.
+    Log::plain(errors, "could not lock the lock file; running without the one-copy check");
+    return false;
 }
 
 bool anotherCopyIsRunning(const std::filesystem::path& folder) { return anotherCopyIsRunning(folder, std::cerr); }

@@ -91,7 +91,7 @@ protected:
 };
 
 TEST_P(TabChangeToGray, IsReportedAndOnePassLaterTheRightWindowIsGray) {
-    openTheDay();
+    ASSERT_NO_FATAL_FAILURE(openTheDay());
     std::size_t scripts = apps.scriptsReceived(GetParam());
     int before = passes;
 
@@ -116,7 +116,7 @@ TEST_P(TabChangeToGray, IsReportedAndOnePassLaterTheRightWindowIsGray) {
 
 TEST_P(TabChangeToGray, WithoutAccessibilityTheBackupPassFindsItWithinFiveSeconds) {
     apps.setTrusted(false);
-    openTheDay();
+    ASSERT_NO_FATAL_FAILURE(openTheDay());
     int before = passes;
 
     apps.showAddress(play, listed);
