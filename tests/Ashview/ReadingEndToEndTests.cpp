@@ -114,22 +114,6 @@ TEST_P(TabChangeToGray, IsReportedAndOnePassLaterTheRightWindowIsGray) {
     EXPECT_EQ(apps.scriptsReceived(GetParam()), scripts + 1);
 }
 
-TEST_P(TabChangeToGray, WithoutAccessibilityTheBackupPassFindsItWithinFiveSeconds) {
-    apps.setTrusted(false);
-    ASSERT_NO_FATAL_FAILURE(openTheDay());
-    int before = passes;
-
-    apps.showAddress(play, listed);
-    desktop.clock().advance(0.15);
-    EXPECT_EQ(passes, before) << "no event asks for a pass";
-    EXPECT_TRUE(desktop.overlays().empty());
-
-    desktop.clock().advance(5.0 - 0.15);
-    EXPECT_EQ(passes, before + 1);
-    expectGrayOverPlayOnly();
-    for (const std::string& line : lines()) EXPECT_EQ(line.find("reported"), std::string::npos) << line;
-}
-
 INSTANTIATE_TEST_SUITE_P(BothDialects, TabChangeToGray, ::testing::Values("com.google.Chrome", "com.apple.Safari"),
                          [](const auto& info) { return BrowserCatalog::browser(info.param)->dialect == Dialect::chromium
                                                            ? std::string("Chromium")

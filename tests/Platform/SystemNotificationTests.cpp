@@ -10,24 +10,6 @@
 namespace ashview {
 namespace {
 
-TEST(SimNotificationCenter, DeliversByNameInOrderUntilTheObservationGoes) {
-    SimNotificationCenter center;
-    std::vector<std::string> heard;
-    auto first = center.observe(SystemNotification::screensDidSleep, [&] { heard.push_back("first"); });
-    auto other = center.observe(SystemNotification::screenIsLocked, [&] { heard.push_back("lock"); });
-    auto second = center.observe(SystemNotification::screensDidSleep, [&] { heard.push_back("second"); });
-
-    EXPECT_EQ(center.post(SystemNotification::screensDidSleep), 2u);
-    EXPECT_EQ(heard, (std::vector<std::string>{"first", "second"}));
-
-    first.reset();
-    EXPECT_EQ(center.observerCount(SystemNotification::screensDidSleep), 1u);
-    EXPECT_EQ(center.post(SystemNotification::screensDidSleep), 1u);
-    EXPECT_EQ(center.post(SystemNotification::screensDidWake), 0u);
-    EXPECT_EQ(heard, (std::vector<std::string>{"first", "second", "second"}));
-    EXPECT_EQ(center.posted().size(), 3u);
-}
-
 TEST(SimNotificationCenter, ObservationsMayComeAndGoDuringAPostAndOutliveTheCenter) {
     std::unique_ptr<NotificationObservation> later;
     std::unique_ptr<NotificationObservation> added;
