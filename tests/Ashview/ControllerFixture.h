@@ -1,15 +1,16 @@
-// A simulated desktop with a gray controller on it, and simple readers that
-// report what the desktop shows: browser windows at chosen addresses and the
-// windows of listed apps. Tests tell the user's story on it: open windows,
+// A simulated desktop with a gray controller on it, a simple reader that
+// reports browser windows at chosen addresses, and the real reader of listed
+// apps over simulated processes. Tests tell the user's story on it: open windows,
 // advance the clock, then look at the log, the overlays and the counts.
 #pragma once
 
-#include "Ashview/AppSource.h"
+#include "Ashview/AppMonitor.h"
 #include "Ashview/BrowserSource.h"
 #include "Ashview/GrayController.h"
 #include "AshviewCore/BrowserCatalog.h"
 #include "AshviewCore/RuleStore.h"
 #include "AshviewOverlay/Geometry.h"
+#include "Platform/Sim/SimApplications.h"
 #include "Platform/Sim/SimDesktop.h"
 #include "Platform/Sim/SimNotificationCenter.h"
 #include "TempFolder.h"
@@ -80,7 +81,7 @@ public:
         throw std::out_of_range("no such tab");
     }
 
-    static constexpr std::int32_t pid = 501;
+    static constexpr std::int32_t pid = 401;  // below the simulated processes' numbers
     std::vector<Tab> tabs;
     bool isRunning = false;
     bool refused = false;
@@ -96,39 +97,6 @@ private:
     std::int64_t nextID = 1;
 };
 
-/// Listed apps: processes the test declares listed, read from the stack.
-class SimApps final : public AppSource {
-public:
-    explicit SimApps(SimDesktop& desktop) : geometry_(desktop.windowServer()) {}
-
-    void start() override {
-        if (!listed.empty() && onChange) onChange("a listed app is open");
-    }
-    void setRules(const RuleSet& rules) override {
-        this->rules = rules;
-        ++rulesGiven;
-    }
-    std::map<std::int32_t, ListedProcess> running() const override { return listed; }
-    std::vector<ProbedWindow> windows(const std::vector<StackedWindow>& in) const override {
-        std::vector<ProbedWindow> result;
-        for (const StackedWindow& window : in) {
-            auto found = listed.find(window.ownerPID);
-            if (found == listed.end() || window.layer != 0 || !(window.alpha > 0)) continue;
-            result.push_back(ProbedWindow{WindowKey{found->second.bundleID, window.number},
-                                          ForeignWindow{window.number, geometry_.cocoa(window.bounds), true},
-                                          found->second.key});
-        }
-        return result;
-    }
-
-    std::map<std::int32_t, ListedProcess> listed;
-    RuleSet rules;
-    int rulesGiven = 0;
-
-private:
-    Geometry geometry_;
-};
-
 class ControllerTest : public ::testing::Test {
 protected:
     static constexpr std::int32_t otherPID = 777;
@@ -137,7 +105,7 @@ protected:
         controller = std::make_unique<GrayController>(
             RuleStore(folder.path()),
             GrayController::Services{desktop.mainLoop(), desktop.windowServer(), desktop.overlayWindows(), workspace,
-                                     distributed, browsers, apps, out});
+                                     distributed, browsers, appMonitor, out});
         controller->onRead = [this] { ++fullPasses; };
         return *controller;
     }
@@ -157,6 +125,12 @@ protected:
     }
     /// An unrelated window, in front of everything of layer 0.
     std::int64_t openOther(Rect bounds) { return desktop.openWindow(SimWindowSetup{otherPID, "Notes", bounds}); }
+    /// Launches the app "Game" with one window at `bounds` (Quartz); the
+    /// window's number.
+    std::int64_t openGame(Rect bounds) {
+        if (!gamePID) gamePID = apps.launchApp("com.example.Game", "Game");
+        return apps.openWindow(gamePID, bounds);
+    }
     void advance(double seconds) { desktop.clock().advance(seconds); }
 
     /// Log lines without their time stamps; the log is then emptied.
@@ -175,7 +149,9 @@ protected:
     SimNotificationCenter& workspace = desktop.workspaceNotifications();
     SimNotificationCenter& distributed = desktop.distributedNotifications();
     SimBrowsers browsers{desktop};
-    SimApps apps{desktop};
+    SimApplications apps{desktop};
+    AppMonitor appMonitor{RuleSet::fresh(), apps.workspace(), desktop.windowServer()};
+    std::int32_t gamePID = 0;
     std::ostringstream out;
     std::unique_ptr<GrayController> controller;
     int fullPasses = 0;

@@ -80,11 +80,16 @@ TEST_F(ControllerTest, ARestartContinuesTheSessionOnlyWithABrowserLaunchedWithin
 }
 
 TEST_F(ControllerTest, StartingWiresEverythingAndAsksForNoPass) {
-    apps.listed[900] = ListedProcess{"com.example.Game", "app:com.example.Game"};
+    // The app is listed only in the saved rules: its reader is told them
+    // before it starts.
+    RuleSet saved = RuleSet::fresh();
+    saved.addApp("com.example.Game", "Game");
+    RuleStore(folder.path()).save(saved);
+    openGame(Rect{0, 0, 400, 400});
     browsers.isRunning = true;
     start();
     EXPECT_TRUE(browsers.started);
-    EXPECT_EQ(apps.rulesGiven, 1);
+    EXPECT_EQ(appMonitor.rules(), saved);
     EXPECT_EQ(takeLines(), (Lines{"Google Chrome is open", "a listed app is open"}));
     EXPECT_EQ(desktop.registeredEvents(), (std::vector<std::uint32_t>{804, 806, 807, 808, 816}));
     EXPECT_EQ(browsers.reads, 0);
@@ -145,8 +150,7 @@ TEST_F(ControllerTest, ABrowserQuittingAndTheSessionEnding) {
     rules.addApp("com.example.Game", "Game");
     controller->rulesChangedInSettings(rules);
     std::int64_t news = browsers.open("news.example", Rect{0, 0, 400, 400});
-    std::int64_t game = desktop.openWindow(SimWindowSetup{900, "Game", Rect{500, 0, 400, 400}});
-    apps.listed[900] = ListedProcess{"com.example.Game", "app:com.example.Game"};
+    std::int64_t game = openGame(Rect{500, 0, 400, 400});
     controller->read();
     ASSERT_EQ(controller->grayedWindows(), (std::vector<std::int64_t>{news, game}));
     controller->toggleGray(controller->windows().at(0));

@@ -154,19 +154,18 @@ TEST_F(ControllerTest, TheLastListedAppQuittingTakesOneMorePassToClearItsWindows
     rules.newSiteDefaults.trigger = GrayTrigger::rightAway();
     rules.addApp("com.example.Game", "Game");
     controller->rulesChangedInSettings(rules);
-    EXPECT_EQ(apps.rules, controller->rules()) << "the apps judge by the live rules";
-    std::int64_t game = desktop.openWindow(SimWindowSetup{900, "Game", Rect{0, 0, 600, 400}});
-    apps.listed[900] = ListedProcess{"com.example.Game", "app:com.example.Game"};
+    EXPECT_EQ(appMonitor.rules(), controller->rules()) << "the apps judge by the live rules";
+    std::int64_t game = openGame(Rect{0, 0, 600, 400});
     controller->read();
     EXPECT_EQ(desktop.overlays().at(0).directlyAbove, game);
     EXPECT_TRUE(controller->hasBackupTimer());
     takeLines();
 
     int passes = fullPasses;
-    apps.listed.clear();
-    desktop.closeWindows(900);
+    apps.quit(gamePID);
     advance(0.15);
-    EXPECT_EQ(takeLines(), (Lines{"window " + std::to_string(game) + " back to color: its window closed"}));
+    EXPECT_EQ(takeLines(),
+              (Lines{"window " + std::to_string(game) + " back to color: its window closed", "a listed app quit"}));
     EXPECT_EQ(fullPasses, passes + 1) << "one more full pass empties the app windows";
     EXPECT_FALSE(controller->hasBackupTimer());
     controller->read();
