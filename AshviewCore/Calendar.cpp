@@ -34,6 +34,7 @@ struct Calendar::Prototype {
     // since one read pass asks about the same `now` once per rule.
     mutable std::unique_ptr<icu::Calendar> working;
     mutable std::optional<std::pair<double, DateComponents>> lastComponents;
+    mutable std::optional<std::pair<double, Instant>> lastStartOfDay;
 
     /// The working calendar positioned at `instant`. Valid until the next call.
     icu::Calendar* at(Instant instant) const {
@@ -109,6 +110,8 @@ DateComponents Calendar::components(Instant instant) const {
 }
 
 Instant Calendar::startOfDay(Instant instant) const {
+    const auto& cached = prototype_->lastStartOfDay;
+    if (cached && cached->first == instant.seconds) return cached->second;
     auto calendar = prototype_->at(instant);
     calendar->set(UCAL_HOUR_OF_DAY, 0);
     calendar->set(UCAL_MINUTE, 0);
@@ -116,7 +119,9 @@ Instant Calendar::startOfDay(Instant instant) const {
     calendar->set(UCAL_MILLISECOND, 0);
     UErrorCode status = U_ZERO_ERROR;
     UDate start = calendar->getTime(status);
-    return U_FAILURE(status) ? instant : fromUDate(start);
+    if (U_FAILURE(status)) return instant;
+    prototype_->lastStartOfDay = std::pair{instant.seconds, fromUDate(start)};
+    return fromUDate(start);
 }
 
 DateInterval Calendar::dayInterval(Instant instant) const {

@@ -13,6 +13,12 @@ namespace ashview::Host {
 /// Nothing when the text is empty, holds a blank, or names no host.
 std::optional<std::string> normalize(std::string_view text);
 
+/// Whether `text` is non-empty, made only of lower-case ASCII letters,
+/// digits, hyphens and dots, and does not end in a dot. Such text is already
+/// in canonical form: `normalize` gives it back unchanged. Hosts that
+/// browsers report, and the hosts of site rules, are of this kind.
+bool isPlainHost(std::string_view text);
+
 /// Whether `host` is `rule` or lies under it, by whole labels:
 /// "news.example.com" is under "example.com", "badexample.com" is not.
 bool matches(std::string_view host, std::string_view rule);

@@ -44,16 +44,23 @@ std::optional<SiteRule> RuleSet::site(std::string_view matchingHost) const {
 }
 
 SiteSettings RuleSet::effectiveSettings(const SiteRule& rule) const {
-    SiteSettings settings = rule.usesNewSiteDefaults ? newSiteDefaults : rule.settings;
-    if (rule.isApp()) {
-        // What only browsers give meaning to is read in the nearest sense an
-        // app has, so defaults chosen with sites in mind apply without fuss.
-        if (auto* limit = settings.trigger.limit(); limit && limit->per == CountPeriod::session) {
-            limit->per = CountPeriod::day;
-        }
-        if (settings.stayGray.kind() == StayGray::Kind::untilChromeQuits) settings.stayGray = StayGray::untilLeave();
-    }
-    return settings;
+    SiteSettings translated;
+    return effectiveSettings(rule, translated);
+}
+
+const SiteSettings& RuleSet::effectiveSettings(const SiteRule& rule, SiteSettings& translated) const {
+    const SiteSettings& followed = rule.usesNewSiteDefaults ? newSiteDefaults : rule.settings;
+    if (!rule.isApp()) return followed;
+    // What only browsers give meaning to is read in the nearest sense an app
+    // has, so defaults chosen with sites in mind apply without fuss.
+    const GrayTrigger::AfterLimit* limit = followed.trigger.limit();
+    bool sessionPeriod = limit != nullptr && limit->per == CountPeriod::session;
+    bool untilQuit = followed.stayGray.kind() == StayGray::Kind::untilChromeQuits;
+    if (!sessionPeriod && !untilQuit) return followed;
+    translated = followed;
+    if (sessionPeriod) translated.trigger.limit()->per = CountPeriod::day;
+    if (untilQuit) translated.stayGray = StayGray::untilLeave();
+    return translated;
 }
 
 bool RuleSet::isSharedDayOff(Instant date, const Calendar& calendar) const {

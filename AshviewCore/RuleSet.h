@@ -46,6 +46,11 @@ struct RuleSet final {
     /// else its own; for an app, a session period reads as a day and
     /// "until the browsers quit" as "until leave".
     SiteSettings effectiveSettings(const SiteRule& rule) const;
+    /// The same settings as `effectiveSettings(rule)`, copied only when
+    /// something needs translating for an app: the result refers either into
+    /// this rule set or to `translated`, which is then overwritten. Valid
+    /// while both stay unchanged.
+    const SiteSettings& effectiveSettings(const SiteRule& rule, SiteSettings& translated) const;
     /// Whether a day off falls on the local date of `date` in `calendar`.
     bool isSharedDayOff(Instant date, const Calendar& calendar) const;
     /// The rule of the app `bundleID`, or nothing, also for an identifier

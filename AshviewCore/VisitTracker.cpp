@@ -94,25 +94,21 @@ VisitTracker::Appearances VisitTracker::update(const RuleSet& rules, const std::
     addOnScreenTime(now);
     lastUpdate_ = now;
 
-    // Each distinct rule host has one slot; the pass's tables per site are
-    // indexed by it, so a pass allocates nothing per site.
-    std::unordered_map<std::string_view, std::size_t> slotOfHost;
-    slotOfHost.reserve(rules.sites.size());
-    std::vector<std::size_t> slotOfRule;
-    slotOfRule.reserve(rules.sites.size());
-    for (const SiteRule& rule : rules.sites) {
-        slotOfRule.push_back(slotOfHost.try_emplace(rule.host, slotOfHost.size()).first->second);
-    }
-    std::erase_if(usage_, [&](const auto& entry) { return !slotOfHost.contains(entry.first); });
-
+    // Each distinct rule host has one slot, the position of the first rule
+    // with it; the pass's tables per site are indexed by it, so a pass
+    // allocates nothing per site. The lookup refers to the rules and copies
+    // none of them.
     SiteLookup lookup(rules.sites);
-    // The rule of each window, or null, and that rule's slot.
-    std::vector<const SiteRule*> ruleOf(windows.size(), nullptr);
-    std::vector<std::size_t> slotOf(windows.size(), 0);
-    for (std::size_t index = 0; index < windows.size(); ++index) {
-        if (!windows[index].host) continue;
-        ruleOf[index] = lookup.find(*windows[index].host);
-        if (ruleOf[index] != nullptr) slotOf[index] = slotOfHost.at(ruleOf[index]->host);
+    // The counts of each slot's site, where there are any; the others are
+    // made when their rule is reached.
+    std::vector<SiteUsage*> usageOf(rules.sites.size(), nullptr);
+    for (auto entry = usage_.begin(); entry != usage_.end();) {
+        if (auto slot = lookup.firstIndexOfHost(entry->first)) {
+            usageOf[*slot] = &entry->second;
+            ++entry;
+        } else {
+            entry = usage_.erase(entry);
+        }
     }
 
     bool hadStartingPoint = hasStartingPoint_;
@@ -125,18 +121,28 @@ VisitTracker::Appearances VisitTracker::update(const RuleSet& rules, const std::
         bool active = false;
         bool gray = false;
     };
-    std::vector<Site> sites(slotOfHost.size());
+    std::vector<Site> sites(rules.sites.size());
 
-    // First sweep: which windows are new opens, and which sites have windows.
-    // Remembered windows keep their table entries, so a steady pass allocates
-    // nothing for them.
+    // The slot of each window's rule, or none; found in the first sweep.
+    constexpr std::size_t noRule = static_cast<std::size_t>(-1);
+    std::vector<std::size_t> slotOf(windows.size(), noRule);
+    auto ruleOf = [&](std::size_t index) -> const SiteRule* {
+        return slotOf[index] == noRule ? nullptr : &rules.sites[slotOf[index]];
+    };
+
+    // First sweep: the rule of each window, which windows are new opens, and
+    // which sites have windows. Remembered windows keep their table entries,
+    // so a steady pass allocates nothing for them.
     std::unordered_map<WindowKey, std::string> nextSiteByWindow;
     nextSiteByWindow.reserve(windows.size());
     for (std::size_t index = 0; index < windows.size(); ++index) {
-        const SiteRule* rule = ruleOf[index];
-        if (rule == nullptr) continue;
         const BrowserWindow& window = windows[index];
-        Site& site = sites[slotOf[index]];
+        if (!window.host) continue;
+        std::optional<std::size_t> slot = lookup.indexOf(*window.host);
+        if (!slot) continue;
+        slotOf[index] = *slot;
+        const SiteRule* rule = &rules.sites[*slot];
+        Site& site = sites[*slot];
         site.hasWindow = true;
         site.anyOnScreen = site.anyOnScreen || window.isOnScreen;
         auto known = siteByWindow_.extract(window.id);
@@ -146,7 +152,7 @@ VisitTracker::Appearances VisitTracker::update(const RuleSet& rules, const std::
             if (known.empty()) {
                 nextSiteByWindow.emplace(window.id, rule->host);
             } else {
-                known.mapped() = rule->host;
+                if (!countedHere) known.mapped() = rule->host;
                 nextSiteByWindow.insert(std::move(known));
             }
         } else if (!known.empty()) {
@@ -159,12 +165,15 @@ VisitTracker::Appearances VisitTracker::update(const RuleSet& rules, const std::
     siteByWindow_ = std::move(nextSiteByWindow);
 
     // Second sweep: advance every listed site.
+    SiteSettings translated;
     for (std::size_t ruleIndex = 0; ruleIndex < rules.sites.size(); ++ruleIndex) {
         const SiteRule& rule = rules.sites[ruleIndex];
-        Site& seen = sites[slotOfRule[ruleIndex]];
-        SiteSettings settings = rules.effectiveSettings(rule);
+        std::size_t slot = lookup.firstIndexOfHostOf(ruleIndex);
+        Site& seen = sites[slot];
+        const SiteSettings& settings = rules.effectiveSettings(rule, translated);
         bool active = Policy::ruleIsActive(settings, rules, now, calendar);
-        SiteUsage& site = usage_[rule.host];
+        if (usageOf[slot] == nullptr) usageOf[slot] = &usage_[rule.host];
+        SiteUsage& site = *usageOf[slot];
         seen.active = active;
 
         if (!active) {
@@ -234,7 +243,7 @@ VisitTracker::Appearances VisitTracker::update(const RuleSet& rules, const std::
     result.reserve(windows.size());
     for (std::size_t index = 0; index < windows.size(); ++index) {
         const BrowserWindow& window = windows[index];
-        const SiteRule* rule = ruleOf[index];
+        const SiteRule* rule = ruleOf(index);
         bool wished = requested(window.id);
         Appearance appearance;
         if (wished) {
@@ -260,19 +269,21 @@ VisitTracker::Appearances VisitTracker::update(const RuleSet& rules, const std::
         }
     }
 
-    // Fourth sweep: what was seen of each rule.
-    std::vector<SiteSighting> sightings;
-    sightings.reserve(rules.sites.size());
+    // Fourth sweep: what was seen of each rule. The last pass's entries are
+    // overwritten in place, so their host texts keep their storage.
+    sightings_.resize(rules.sites.size());
     for (std::size_t ruleIndex = 0; ruleIndex < rules.sites.size(); ++ruleIndex) {
         const SiteRule& rule = rules.sites[ruleIndex];
-        const Site& site = sites[slotOfRule[ruleIndex]];
-        const Sighted& seen = sighted[slotOfRule[ruleIndex]];
-        bool gray = seen.visible && seen.allGray;
-        bool automaticGray = gray && rule.pin == SitePin::followSettings && site.active && site.gray &&
-                             !showInColor && !seen.anyRequested;
-        sightings.push_back(SiteSighting{rule.host, seen.visible, gray, automaticGray});
+        std::size_t slot = lookup.firstIndexOfHostOf(ruleIndex);
+        const Site& site = sites[slot];
+        const Sighted& seen = sighted[slot];
+        SiteSighting& sighting = sightings_[ruleIndex];
+        sighting.host = rule.host;
+        sighting.visible = seen.visible;
+        sighting.gray = seen.visible && seen.allGray;
+        sighting.automaticGray = sighting.gray && rule.pin == SitePin::followSettings && site.active && site.gray &&
+                                 !showInColor && !seen.anyRequested;
     }
-    sightings_ = std::move(sightings);
     return result;
 }
 

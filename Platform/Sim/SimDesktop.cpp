@@ -113,35 +113,67 @@ struct SimDesktop::State : std::enable_shared_from_this<SimDesktop::State> {
 
     double screenHeight() const { return displays.empty() ? 0.0 : displays.front().height; }
 
+    // The window as the server reports it: an overlay's bounds follow its
+    // frame.
     SimWindow effective(const SimWindow& window) const;
+    Rect boundsOf(const SimWindow& window) const;
 
+    // A foreign window to change. Whoever asks may change its place in the
+    // stack, so the remembered stacks are forgotten.
     SimWindow& foreign(std::int64_t number) {
         auto found = windows.find(number);
         if (found == windows.end() || found->second.isOverlay)
             throw std::out_of_range("no foreign window " + std::to_string(number) + " on the simulated desktop");
+        changed();
         return found->second;
     }
 
-    void removeFromOrder(std::int64_t number) { order.erase(std::find(order.begin(), order.end(), number)); }
+    void removeFromOrder(std::int64_t number) {
+        order.erase(std::find(order.begin(), order.end(), number));
+        changed();
+    }
 
     void putAtFront(std::int64_t number) {
         removeFromOrder(number);
         order.insert(order.begin(), number);
+        changed();
+    }
+
+    // The stacks `sorted` worked out since the last change, one for each
+    // choice of its two options, so that the many questions of one read pass
+    // about an unchanged desktop sort nothing. Every change of `order`, of the
+    // set of windows, or of a window's layer, screen or desktop flag calls
+    // `changed()`, which forgets them.
+    mutable std::array<std::optional<std::vector<const SimWindow*>>, 4> stacks;
+    void changed() {
+        for (auto& stack : stacks) stack.reset();
     }
 
     // Front to back, the given windows sorted by layer (higher first), stable
-    // within a layer.
-    std::vector<std::int64_t> sorted(bool onScreenOnly, bool withDesktop) const {
-        std::vector<std::int64_t> result;
+    // within a layer. Valid until the next change.
+    const std::vector<const SimWindow*>& sorted(bool onScreenOnly, bool withDesktop) const {
+        auto& remembered = stacks[(onScreenOnly ? 2 : 0) + (withDesktop ? 1 : 0)];
+        if (!remembered) remembered = stackOf(onScreenOnly, withDesktop);
+        return *remembered;
+    }
+
+    // Each window is looked up once; the common stack of one layer needs no
+    // sorting at all.
+    std::vector<const SimWindow*> stackOf(bool onScreenOnly, bool withDesktop) const {
+        std::vector<const SimWindow*> result;
+        result.reserve(order.size());
+        bool oneLayer = true;
         for (std::int64_t number : order) {
             const SimWindow& window = windows.at(number);
             if (onScreenOnly && !window.isOnScreen) continue;
             if (!withDesktop && window.isDesktopElement) continue;
-            result.push_back(number);
+            oneLayer = oneLayer && (result.empty() || window.layer == result.front()->layer);
+            result.push_back(&window);
         }
-        std::stable_sort(result.begin(), result.end(), [this](std::int64_t a, std::int64_t b) {
-            return windows.at(a).layer > windows.at(b).layer;
-        });
+        if (!oneLayer) {
+            std::stable_sort(result.begin(), result.end(),
+                             [](const SimWindow* a, const SimWindow* b) { return a->layer > b->layer; });
+        }
         return result;
     }
 
@@ -331,6 +363,7 @@ public:
         if (!state) return;
         ++state->counts.orderOutCalls;
         state->windows.at(number_).isOnScreen = false;
+        state->changed();
     }
     void orderWindow(WindowOrderingMode mode, std::int64_t relativeTo) override {
         bool above = mode == WindowOrderingMode::above;
@@ -348,6 +381,7 @@ public:
         } else {
             order.insert(above ? order.begin() : order.end(), number_);
         }
+        state->changed();
         state->emit(number_, 808);
     }
     void setFrame(Rect frame, bool display) override {
@@ -402,12 +436,17 @@ private:
 
 }  // namespace
 
-SimWindow SimDesktop::State::effective(const SimWindow& window) const {
-    SimWindow result = window;
+Rect SimDesktop::State::boundsOf(const SimWindow& window) const {
     if (window.isOverlay) {
         auto object = overlayObjects.find(window.number);
-        if (object != overlayObjects.end()) result.bounds = flip(object->second->frame(), screenHeight());
+        if (object != overlayObjects.end()) return flip(object->second->frame(), screenHeight());
     }
+    return window.bounds;
+}
+
+SimWindow SimDesktop::State::effective(const SimWindow& window) const {
+    SimWindow result = window;
+    result.bounds = boundsOf(window);
     return result;
 }
 
@@ -416,11 +455,12 @@ RawWindowList SimDesktop::State::Server::copyWindowInfo(std::uint32_t options, s
     ++state.counts.windowLists;
     bool onScreenOnly = (options & WindowServer::onScreenOnly) != 0;
     bool withDesktop = (options & WindowServer::excludeDesktopElements) == 0;
+    const std::vector<const SimWindow*>& stack = state.sorted(onScreenOnly, withDesktop);
     std::vector<std::optional<WindowInfo>> entries;
-    for (std::int64_t number : state.sorted(onScreenOnly, withDesktop)) {
-        SimWindow window = state.effective(state.windows.at(number));
-        entries.push_back(WindowInfo{window.number, window.ownerPID, window.ownerName, window.layer, window.alpha,
-                                     window.bounds});
+    entries.reserve(stack.size());
+    for (const SimWindow* window : stack) {
+        entries.push_back(WindowInfo{window->number, window->ownerPID, window->ownerName, window->layer,
+                                     window->alpha, state.boundsOf(*window)});
     }
     RawWindowList list = std::move(entries);
     if (state.tamper) state.tamper(options, list);
@@ -517,6 +557,7 @@ std::shared_ptr<OverlayWindow> SimDesktop::State::System::makeWindow(Rect conten
     window.isOverlay = true;
     state.windows.emplace(number, window);
     state.order.insert(state.order.begin(), number);
+    state.changed();
     auto object = std::make_shared<SimOverlayWindow>(state.weak_from_this(), number, contentRect);
     state.overlayObjects[number] = object.get();
     return object;
@@ -559,6 +600,7 @@ std::int64_t SimDesktop::openWindow(const SimWindowSetup& setup) {
                      false};
     state_->windows.emplace(number, window);
     state_->order.insert(state_->order.begin(), number);
+    state_->changed();
     return number;
 }
 
@@ -596,6 +638,7 @@ void SimDesktop::orderRelative(std::int64_t number, bool above, std::int64_t rel
     state_->removeFromOrder(number);
     auto at = std::find(order.begin(), order.end(), relativeTo);
     order.insert(above ? at : at + 1, number);
+    state_->changed();
     state_->emit(number, 808);
 }
 
@@ -640,7 +683,11 @@ std::optional<SimWindow> SimDesktop::window(std::int64_t number) const {
     return state_->effective(found->second);
 }
 
-std::vector<std::int64_t> SimDesktop::onScreenStack() const { return state_->sorted(true, true); }
+std::vector<std::int64_t> SimDesktop::onScreenStack() const {
+    std::vector<std::int64_t> numbers;
+    for (const SimWindow* window : state_->sorted(true, true)) numbers.push_back(window->number);
+    return numbers;
+}
 
 std::vector<SimOverlay> SimDesktop::overlays() const {
     std::vector<std::int64_t> stack = onScreenStack();

@@ -28,6 +28,22 @@ TEST(Calendar, FollowsItsZoneAcrossMidnightsAndClockChanges) {
     EXPECT_LT(santiago.components(start - 1).day, 6);
 }
 
+TEST(Calendar, RemembersNoDayAcrossOtherInstants) {
+    // One calendar answers a mix of instants, also of other days and of a day
+    // whose midnight is skipped; a calendar made afresh for each question is
+    // the reference.
+    Calendar santiago("gregorian", "America/Santiago", "es_CL");
+    const Instant instants[] = {*santiago.date(2026, 9, 6, 12), *santiago.date(2026, 9, 5, 23, 59),
+                                *santiago.date(2026, 9, 6, 12), *santiago.date(2026, 11, 23, 8),
+                                *santiago.date(2026, 9, 6, 1, 30), *santiago.date(2026, 11, 23, 8)};
+    for (Instant instant : instants) {
+        Calendar fresh("gregorian", "America/Santiago", "es_CL");
+        EXPECT_EQ(santiago.startOfDay(instant), fresh.startOfDay(instant)) << instant.seconds;
+        EXPECT_EQ(santiago.components(instant), fresh.components(instant)) << instant.seconds;
+    }
+    EXPECT_NE(santiago.startOfDay(instants[0]), santiago.startOfDay(instants[1]));
+}
+
 TEST(Calendar, LenientDatesRollOverAndUnknownZonesAreRefused) {
     Calendar utc = Calendar::gregorianUTC();
     DateComponents april31 = utc.components(*utc.date(2026, 4, 31));

@@ -4,6 +4,7 @@
 #include "AshviewCore/RuleError.h"
 #include "AshviewCore/RuleSet.h"
 #include "AshviewCore/SiteLookup.h"
+#include "AshviewCore/Url.h"
 
 #include <gtest/gtest.h>
 
@@ -49,6 +50,21 @@ TEST(Host, NormalizeReducesAnAddressToItsLowerCaseHost) {
     EXPECT_FALSE(Host::matches("example.com", "news.example.com"));
 }
 
+TEST(Host, PlainHostsAreTheirOwnNormalForm) {
+    // Text made of lower-case letters, digits, hyphens and dots skips the
+    // address parser; the parser must agree that it is the host unchanged.
+    for (const char* plain : {"example.com", "static.cdn.eu.site7.example.com", "localhost", "1.2.3.4",
+                              "999.1.1.1", "-", "a-.b", ".example.com", "a..b", "xn--bcher-kva.example"}) {
+        EXPECT_TRUE(Host::isPlainHost(plain)) << plain;
+        EXPECT_EQ(Host::normalize(plain), plain) << plain;
+        EXPECT_EQ(Url::host(std::string("https://") + plain), plain) << plain;
+    }
+    for (const char* other : {"", "Example.com", "example.com.", "a_b.example.com", "example.com:8080",
+                              "user@example.com", "example.com/path", " example.com", "b\u00fccher.de"}) {
+        EXPECT_FALSE(Host::isPlainHost(other)) << other;
+    }
+}
+
 TEST(AppKey, MakesKeysOnlyFromPlainIdentifiers) {
     EXPECT_EQ(AppKey::make("com.Example-App_2.tool"), "app:com.Example-App_2.tool");
     for (const char* bad : {"", "com.example tool", "com.ex\u00E4mple", "app:com.x"}) {
@@ -78,6 +94,42 @@ TEST(SiteLookup, LongestListedSuffixWinsAndAgreesWithTheLinearScan) {
         EXPECT_EQ(lookup.site(host), expected) << host;
         EXPECT_EQ(rules.site(host), expected) << host;
     }
+}
+
+TEST(SiteLookup, AgreesWithTheLinearScanOverManyRules) {
+    // Enough rules that the table's probing wraps and collides: domains,
+    // subdomains of some, a repeated host, apps; asked for deeper hosts,
+    // hosts in other spellings and hosts nobody listed.
+    RuleSet rules = RuleSet::fresh();
+    for (int index = 0; index < 800; ++index) {
+        std::string domain = "s" + std::to_string(index) + ".example.com";
+        rules.sites.push_back(rule(domain));
+        if (index % 7 == 0) rules.sites.push_back(rule("news." + domain));
+        if (index % 50 == 0) rules.sites.push_back(rule("app:com.example.tool" + std::to_string(index), "Tool"));
+    }
+    rules.sites.push_back(rule("s3.example.com"));
+    SiteLookup lookup(rules.sites);
+    for (std::size_t index = 0; index < rules.sites.size(); ++index) {
+        std::size_t first = lookup.firstIndexOfHostOf(index);
+        EXPECT_EQ(rules.sites[first].host, rules.sites[index].host);
+        EXPECT_EQ(lookup.firstIndexOfHost(rules.sites[index].host), first);
+    }
+    EXPECT_NE(lookup.firstIndexOfHostOf(rules.sites.size() - 1), rules.sites.size() - 1);
+    for (int index = 0; index < 850; index += 4) {
+        std::string number = std::to_string(index);
+        for (const std::string& host :
+             {"a.b.news.s" + number + ".example.com", "news.s" + number + ".example.com", "S" + number + ".Example.COM.",
+              "https://www.s" + number + ".example.com/x", "s" + number + ".example.org", "app:com.example.tool" + number}) {
+            std::optional<SiteRule> expected = rules.site(host);
+            EXPECT_EQ(lookup.site(host), expected) << host;
+            std::optional<std::size_t> position = lookup.indexOf(host);
+            ASSERT_EQ(position.has_value(), expected.has_value()) << host;
+            if (position) {
+                EXPECT_EQ(rules.sites[*position], *expected) << host;
+            }
+        }
+    }
+    EXPECT_EQ(lookup.firstIndexOfHost("S3.example.com"), std::nullopt);  // exact text only
 }
 
 TEST(RuleSet, EffectiveSettingsTranslateBrowserOnlyChoicesForApps) {
