@@ -102,12 +102,22 @@ TEST_F(Summarising, OnlyCompleteDaysAreAveragedAndFiveOfEachAreNeeded) {
     for (auto [began, days, line] : {std::tuple<Instant, long, const char*>{local.start(0, now), 0,
                                                                             "Comparisons start on Apr 14, 2026"},
                                      {local.start(0, now) - 1, 1, "Last 1 day: 2h on your sites."},
-                                     {local.start(-2, now) + 60, 2, "Last 2 days: 2h on your sites."}}) {
+                                     {local.start(-2, now) + 60, 2, "Last 2 days: 2h on your sites."},
+                                     {local.start(-6, now) + 60, 6, "Last 6 days: 2h on your sites."}}) {
         history.began = began;
         UsageSummary made = summary();
         EXPECT_EQ(made.daysOfHistory, days);
         EXPECT_EQ(made.lines[1], line);
     }
+}
+
+TEST_F(Summarising, GrayVisitsAreToldFromFiveOnEachSide) {
+    add(1, 4, "a", {60, 0, 1, 1, 0});
+    add(8, 12, "a", {60, 0, 1, 0, 1});
+    EXPECT_EQ(summary().lines[3], "Not enough gray visits yet.");
+    add(5, 5, "a", {60, 0, 1, 1, 0});
+    EXPECT_EQ(summary().lines[3],
+              "After a site turned gray, you left within 2 minutes in 5 of 5 visits (0 of 5 the week before).");
 }
 
 TEST_F(Summarising, AveragesAreReadInWholeUnits) {
