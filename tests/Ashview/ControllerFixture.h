@@ -10,9 +10,8 @@
 #include "AshviewCore/BrowserCatalog.h"
 #include "AshviewCore/RuleStore.h"
 #include "AshviewOverlay/Geometry.h"
-#include "Platform/Sim/SimApplications.h"
-#include "Platform/Sim/SimDesktop.h"
 #include "Platform/Sim/SimNotificationCenter.h"
+#include "ReadingFixture.h"
 #include "TempFolder.h"
 
 #include <gtest/gtest.h>
@@ -97,7 +96,9 @@ private:
     std::int64_t nextID = 1;
 };
 
-class ControllerTest : public ::testing::Test {
+/// The controller reads browsers through the stand-in above, or through the
+/// real monitor over the simulated applications once `browserMonitor` is set.
+class ControllerTest : public ReadingFixture {
 protected:
     static constexpr std::int32_t otherPID = 777;
 
@@ -105,7 +106,8 @@ protected:
         controller = std::make_unique<GrayController>(
             RuleStore(folder.path()),
             GrayController::Services{desktop.mainLoop(), desktop.windowServer(), desktop.overlayWindows(), workspace,
-                                     distributed, browsers, appMonitor, out});
+                                     distributed, browserMonitor ? static_cast<BrowserSource&>(*browserMonitor) : browsers,
+                                     appMonitor, out});
         controller->onRead = [this] { ++fullPasses; };
         return *controller;
     }
@@ -145,11 +147,10 @@ protected:
     std::filesystem::path historyFile() const { return folder.path() / "history.json"; }
 
     TempFolder folder;
-    SimDesktop desktop;
     SimNotificationCenter& workspace = desktop.workspaceNotifications();
     SimNotificationCenter& distributed = desktop.distributedNotifications();
     SimBrowsers browsers{desktop};
-    SimApplications apps{desktop};
+    std::unique_ptr<BrowserMonitor> browserMonitor;
     AppMonitor appMonitor{RuleSet::fresh(), apps.workspace(), desktop.windowServer()};
     std::int32_t gamePID = 0;
     std::ostringstream out;

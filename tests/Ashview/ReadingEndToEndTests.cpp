@@ -1,44 +1,29 @@
 // The road of a tab change, from a simulated browser to the overlay, through
 // the real monitors and the real controller, wired as the program wires them.
-#include "ReadingFixture.h"
-
-#include "Ashview/AppMonitor.h"
-#include "Ashview/GrayController.h"
-#include "AshviewCore/RuleStore.h"
-#include "TempFolder.h"
+#include "ControllerFixture.h"
 
 #include <gtest/gtest.h>
-
-#include <memory>
-#include <sstream>
 
 namespace ashview {
 namespace {
 
-class TabChangeToGray : public ReadingFixture, public ::testing::WithParamInterface<const char*> {
+class TabChangeToGray : public ControllerTest, public ::testing::WithParamInterface<const char*> {
 protected:
     static constexpr const char* listed = "https://video.example.net/watch?v=1";
     static constexpr const char* unlisted = "https://news.example.org/";
 
     /// The user's day so far: a browser of the parameter's dialect with two
     /// windows of one size side by side, `work` on a listed site within its
-    /// limit and `play` on an unlisted one; the controller running; the one
-    /// open "video.example.net" allows in an hour already used in `play`.
-    /// Ends 0.5 s after a backup pass, so the next one is 4.5 s away.
+    /// limit and `play` on an unlisted one; the controller running on the
+    /// real monitors; the one open "video.example.net" allows in an hour
+    /// already used in `play`. Ends 0.5 s after a backup pass, so the next
+    /// one is 4.5 s away.
     void openTheDay() {
-        pid = apps.launchBrowser(GetParam());
+        std::int32_t pid = apps.launchBrowser(GetParam());
         work = apps.openWindow(pid, Rect{0, 25, 700, 500}, "https://docs.example.com/");
         play = apps.openWindow(pid, Rect{720, 25, 700, 500}, unlisted);
-
-        browsers = std::make_unique<BrowserMonitor>(platform());
-        appMonitor = std::make_unique<AppMonitor>(RuleSet::fresh(), apps.workspace(), desktop.windowServer());
-        controller = std::make_unique<GrayController>(
-            RuleStore(folder.path()),
-            GrayController::Services{desktop.mainLoop(), desktop.windowServer(), desktop.overlayWindows(),
-                                     desktop.workspaceNotifications(), desktop.distributedNotifications(), *browsers,
-                                     *appMonitor, log});
-        controller->onRead = [this] { ++passes; };
-        controller->start();
+        browserMonitor = std::make_unique<BrowserMonitor>(platform());
+        start();
 
         RuleSet rules = controller->rules();
         rules.newSiteDefaults.trigger = GrayTrigger::afterLimit(60, std::nullopt, CountPeriod::hour);
@@ -47,28 +32,20 @@ protected:
         rules.addSite("video.example.net");
         controller->rulesChangedInSettings(rules);
 
-        // Each step lasts longer than a backup period, so it is read with
-        // Accessibility or without.
+        // Each step lasts longer than a backup period.
         apps.showAddress(play, listed);
-        desktop.clock().advance(GrayController::backupInterval + 1);
+        advance(GrayController::backupInterval + 1);
         apps.showAddress(play, unlisted);
-        desktop.clock().advance(GrayController::backupInterval + 1);
+        advance(GrayController::backupInterval + 1);
         ASSERT_TRUE(desktop.overlays().empty()) << "one open is within the limit";
 
-        int before = passes;
-        while (passes == before) ASSERT_TRUE(desktop.clock().runNext());
-        desktop.clock().advance(0.5);
-        log.str("");
+        int before = fullPasses;
+        while (fullPasses == before) ASSERT_TRUE(desktop.clock().runNext());
+        advance(0.5);
+        takeLines();
     }
 
     std::string name() const { return browser(GetParam()).name; }
-    /// Log lines of the last step without their time stamps.
-    std::vector<std::string> lines() {
-        std::vector<std::string> result;
-        std::istringstream in(log.str());
-        for (std::string line; std::getline(in, line);) result.push_back(line.substr(9));
-        return result;
-    }
     /// Gray exactly over `play`, with the overlay on its frame.
     void expectGrayOverPlayOnly() {
         ASSERT_EQ(desktop.overlays().size(), 1u);
@@ -78,39 +55,31 @@ protected:
         EXPECT_EQ(controller->grayedWindows(), std::vector<std::int64_t>{play});
     }
 
-    TempFolder folder;
-    std::ostringstream log;
-    std::int32_t pid = 0;
     std::int64_t work = 0;
     std::int64_t play = 0;
-    int passes = 0;
-    // The controller goes first: it lets go of the monitors.
-    std::unique_ptr<BrowserMonitor> browsers;
-    std::unique_ptr<AppMonitor> appMonitor;
-    std::unique_ptr<GrayController> controller;
 };
 
 TEST_P(TabChangeToGray, IsReportedAndOnePassLaterTheRightWindowIsGray) {
     ASSERT_NO_FATAL_FAILURE(openTheDay());
     std::size_t scripts = apps.scriptsReceived(GetParam());
-    int before = passes;
+    int before = fullPasses;
 
     apps.showAddress(play, listed);
-    EXPECT_EQ(lines(), std::vector<std::string>{name() + " reported AXTitleChanged"});
-    desktop.clock().advance(0.149);
-    EXPECT_EQ(passes, before);
+    EXPECT_EQ(takeLines(), std::vector<std::string>{name() + " reported AXTitleChanged"});
+    advance(0.149);
+    EXPECT_EQ(fullPasses, before);
     EXPECT_TRUE(desktop.overlays().empty());
     EXPECT_EQ(apps.scriptsReceived(GetParam()), scripts);
 
-    desktop.clock().advance(0.001);
-    EXPECT_EQ(passes, before + 1);
+    advance(0.001);
+    EXPECT_EQ(fullPasses, before + 1);
     EXPECT_EQ(apps.scriptsReceived(GetParam()), scripts + 1);
     expectGrayOverPlayOnly();
-    EXPECT_EQ(lines().back(), "graying window " + std::to_string(play));
+    EXPECT_EQ(takeLines(), std::vector<std::string>{"graying window " + std::to_string(play)});
 
     // Nothing else asks for a pass before the backup timer's next one.
-    desktop.clock().advance(4.0);
-    EXPECT_EQ(passes, before + 1);
+    advance(4.0);
+    EXPECT_EQ(fullPasses, before + 1);
     EXPECT_EQ(apps.scriptsReceived(GetParam()), scripts + 1);
 }
 
