@@ -11,8 +11,7 @@ TEST_F(ControllerTest, ASitePastItsLimitGoesGrayAndTheOverlayFollowsItsWindow) {
     start();
     listSite("news.example", 1);
     takeLines();
-    std::int64_t news = browsers.open("news.example", Rect{100, 100, 800, 600});
-    browsers.onChange("Google Chrome reported AXTitleChanged");
+    std::int64_t news = open("news.example", Rect{100, 100, 800, 600});
 
     // The backup timer keeps the passes coming while the user reads.
     advance(55);
@@ -20,19 +19,19 @@ TEST_F(ControllerTest, ASitePastItsLimitGoesGrayAndTheOverlayFollowsItsWindow) {
     advance(10);
     Lines lines = takeLines();
     ASSERT_FALSE(lines.empty());
-    EXPECT_EQ(lines.front(), "Google Chrome reported AXTitleChanged");
+    EXPECT_EQ(lines.front(), "Google Chrome is open");
     EXPECT_EQ(lines.back(), "graying window " + std::to_string(news));
     ASSERT_EQ(desktop.overlays().size(), 1u);
     EXPECT_EQ(desktop.overlays()[0].directlyAbove, news);
 
     // Dragged and brought behind another window and forward again: the
     // overlay follows by events alone, with no pass and no window list.
-    int readsBefore = browsers.reads;
+    std::size_t readsBefore = reads();
     std::size_t listsBefore = desktop.counts().windowLists;
     desktop.moveBy(news, 40, 30);
     openOther(Rect{0, 0, 300, 300});
     desktop.bringToFront(news);
-    EXPECT_EQ(browsers.reads, readsBefore);
+    EXPECT_EQ(reads(), readsBefore);
     EXPECT_EQ(desktop.counts().windowLists, listsBefore);
     EXPECT_FALSE(controller->isReadScheduled());
     SimOverlay overlay = desktop.overlays()[0];
@@ -56,10 +55,10 @@ TEST_F(ControllerTest, EachWayOfLeavingGrayIsLoggedWithItsReason) {
     start();
     listSite("news.example");
     listSite("mail.example");
-    std::int64_t hidden = browsers.open("news.example", Rect{0, 0, 400, 400});
-    std::int64_t spaced = browsers.open("news.example", Rect{500, 0, 400, 400});
-    std::int64_t retabbed = browsers.open("news.example", Rect{0, 450, 400, 400});
-    std::int64_t pinned = browsers.open("mail.example", Rect{500, 450, 400, 400});
+    std::int64_t hidden = open("news.example", Rect{0, 0, 400, 400});
+    std::int64_t spaced = open("news.example", Rect{500, 0, 400, 400});
+    std::int64_t retabbed = open("news.example", Rect{0, 450, 400, 400});
+    std::int64_t pinned = open("mail.example", Rect{500, 450, 400, 400});
     controller->read();
     ASSERT_EQ(controller->grayedWindows().size(), 4u);
     takeLines();
@@ -67,7 +66,7 @@ TEST_F(ControllerTest, EachWayOfLeavingGrayIsLoggedWithItsReason) {
     desktop.minimise(hidden);
     EXPECT_EQ(takeLines(), (Lines{"window " + std::to_string(hidden) + " back to color: its window was hidden"}));
 
-    browsers.tab(retabbed).host = "elsewhere.example";
+    apps.showAddress(retabbed, "https://elsewhere.example/");
     desktop.clearOverlayJournal();
     desktop.switchSpace({spaced}, {});  // the window stays on the Space left
     bool rearmed = false;
@@ -76,7 +75,7 @@ TEST_F(ControllerTest, EachWayOfLeavingGrayIsLoggedWithItsReason) {
     }
     EXPECT_TRUE(rearmed) << "the overlays are rearmed on a Space change";
     advance(0.15);
-    EXPECT_EQ(takeLines(), (Lines{"Space changed",
+    EXPECT_EQ(takeLines(), (Lines{"Google Chrome reported AXTitleChanged", "Space changed",
                                   "window " + std::to_string(spaced) + " back to color: its window is not on screen",
                                   "window " + std::to_string(retabbed) +
                                       " back to color: its visible tab is not a listed site"}));
@@ -95,34 +94,35 @@ TEST_F(ControllerTest, EachWayOfLeavingGrayIsLoggedWithItsReason) {
 
 TEST_F(ControllerTest, ABurstOfRequestsGivesOnePass) {
     start();
-    browsers.open("news.example", Rect{0, 0, 400, 400});
+    open("news.example", Rect{0, 0, 400, 400});
     advance(0);
     for (int i = 0; i < 40; ++i) {
-        browsers.onChange("Google Chrome reported AXTitleChanged");
+        apps.postAccessibility(chromePID, "AXTitleChanged", "AXWindow");
         advance(0.003);  // all forty inside 0.12 s
     }
-    EXPECT_EQ(browsers.reads, 0);
+    EXPECT_EQ(reads(), 0u);
     advance(0.15 - 0.12 - 0.0001);
-    EXPECT_EQ(browsers.reads, 0) << "a later request does not move the pass";
+    EXPECT_EQ(reads(), 0u) << "a later request does not move the pass";
     advance(0.0001);
-    EXPECT_EQ(browsers.reads, 1);
+    EXPECT_EQ(reads(), 1u);
     EXPECT_EQ(fullPasses, 1);
 
     // The timer fires while a pass is queued: still one pass.
-    browsers.onChange("again");
+    apps.postAccessibility(chromePID, "AXTitleChanged", "AXWindow");
     advance(5.0 - 0.15);
-    EXPECT_EQ(browsers.reads, 2);
+    EXPECT_EQ(reads(), 2u);
     advance(0.2);
-    EXPECT_EQ(browsers.reads, 2) << "the timer found the delayed pass queued";
+    EXPECT_EQ(reads(), 2u) << "the timer found the delayed pass queued";
 }
 
 TEST_F(ControllerTest, WithNothingToReadThereIsNoTimerAndNoWakeUp) {
     start();
     takeLines();
     std::size_t queued = desktop.clock().queuedCount();
+    std::size_t fired = desktop.clock().firedCount();
     workspace.post(SystemNotification::activeSpaceDidChange);
     advance(24 * 3600.0);
-    EXPECT_EQ(browsers.reads, 1);
+    EXPECT_EQ(desktop.clock().firedCount(), fired + 1) << "the delayed pass ran, and nothing else";
     EXPECT_EQ(desktop.clock().queuedCount(), queued + 1) << "only the one delayed pass";
     EXPECT_EQ(desktop.clock().pendingCount(), 0u);
     EXPECT_FALSE(controller->hasBackupTimer());
@@ -134,18 +134,18 @@ TEST_F(ControllerTest, WithNothingToReadThereIsNoTimerAndNoWakeUp) {
 TEST_F(ControllerTest, ARefusingBrowserKeepsTheTimer) {
     start();
     listSite("news.example");
-    std::int64_t news = browsers.open("news.example", Rect{0, 0, 400, 400});
-    controller->read();
+    std::int64_t news = open("news.example", Rect{0, 0, 400, 400});
+    advance(0.15);
     ASSERT_EQ(controller->grayedWindows().size(), 1u);
     takeLines();
-    browsers.refused = true;
+    apps.setScriptBehaviour(chrome, SimScriptBehaviour::refuse);
     controller->read();
     EXPECT_EQ(takeLines(),
               (Lines{"window " + std::to_string(news) + " back to color: control of a browser is not allowed"}));
-    int reads = browsers.reads;
+    std::size_t readsBefore = reads();
     advance(20.2);
     EXPECT_TRUE(controller->hasBackupTimer());
-    EXPECT_EQ(browsers.reads, reads + 4);
+    EXPECT_EQ(reads(), readsBefore + 4);
 }
 
 TEST_F(ControllerTest, TheLastListedAppQuittingTakesOneMorePassToClearItsWindows) {
@@ -187,7 +187,7 @@ TEST_P(WithoutGraying, NoOverlayIsEverPlacedAndEverythingElseRuns) {
     EXPECT_FALSE(controller->isGrayingAvailable());
     EXPECT_EQ(takeLines(), (Lines{"graying is not available on this macOS version"}));
     listSite("news.example", 1);
-    browsers.open("news.example", Rect{0, 0, 400, 400});
+    open("news.example", Rect{0, 0, 400, 400});
     controller->read();
     advance(120);
     EXPECT_TRUE(controller->tracker().sightings().at(0).gray) << "the site still turns gray for the tracker";
@@ -209,9 +209,9 @@ INSTANTIATE_TEST_SUITE_P(EachMissingPiece, WithoutGraying, ::testing::Range(0, 6
 TEST_F(ControllerTest, WindowEventsAskLittleAndAnOverlayNotDirectlyAboveStaysWhereItIs) {
     start();
     listSite("news.example");
-    std::int64_t plain = browsers.open("elsewhere.example", Rect{0, 0, 300, 300});
-    std::int64_t news = browsers.open("news.example", Rect{400, 0, 300, 300});
-    controller->read();
+    std::int64_t plain = open("elsewhere.example", Rect{0, 0, 300, 300});
+    std::int64_t news = open("news.example", Rect{400, 0, 300, 300});
+    advance(0.15);
     takeLines();
 
     desktop.postRawEvent(SkyLight::windowClosed, nullptr);
@@ -256,7 +256,7 @@ TEST_F(ControllerTest, WindowEventsAskLittleAndAnOverlayNotDirectlyAboveStaysWhe
 TEST_F(ControllerTest, CoveredWindowsAndPausesDoNotCountAsOnScreen) {
     start();
     listSite("news.example", 1);
-    std::int64_t news = browsers.open("news.example", Rect{0, 0, 400, 400});
+    std::int64_t news = open("news.example", Rect{0, 0, 400, 400});
     // Three quarters covered exactly: still seen.
     std::int64_t cover = openOther(Rect{0, 0, 400, 300});
     controller->read();

@@ -22,7 +22,6 @@ protected:
         std::int32_t pid = apps.launchBrowser(GetParam());
         work = apps.openWindow(pid, Rect{0, 25, 700, 500}, "https://docs.example.com/");
         play = apps.openWindow(pid, Rect{720, 25, 700, 500}, unlisted);
-        browserMonitor = std::make_unique<BrowserMonitor>(platform());
         start();
 
         RuleSet rules = controller->rules();
