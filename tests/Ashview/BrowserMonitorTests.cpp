@@ -1,5 +1,7 @@
 #include "ReadingFixture.h"
 
+#include "AshviewOverlay/WindowList.h"
+
 #include <gmock/gmock.h>
 
 namespace ashview {
@@ -264,6 +266,62 @@ TEST_F(BrowserMonitorTest, AScriptThatCannotBeMadeIsNoAnswerWithoutCooldown) {
     monitor.read();
     EXPECT_EQ(monitor.readings().at(chrome).size(), 1u);
     EXPECT_EQ(monitor.probe().cachedScripts(), 1u);
+}
+
+// One read of many browsers asks the window server for its lists once, and
+// each browser's windows from those lists are the ones a list of its own
+// would have given.
+TEST_F(BrowserMonitorTest, ManyBrowsersShareOneFetchOfTheWindowLists) {
+    std::int32_t c = apps.launchBrowser(chrome);
+    std::int32_t e = apps.launchBrowser(edge);
+    std::int32_t s = apps.launchBrowser(safari);
+    std::int64_t hidden = apps.openWindow(c, Rect{0, 25, 600, 400}, "https://a.example/");
+    apps.openWindow(c, Rect{40, 60, 600, 400}, "https://b.example/");
+    apps.openWindow(e, Rect{40, 60, 600, 400}, "https://c.example/");
+    std::int64_t away = apps.openWindow(s, Rect{100, 100, 500, 500}, "https://d.example/");
+    desktop.openWindow(SimWindowSetup{s, "Safari", Rect{0, 0, 1440, 24}, 25});
+    apps.minimise(hidden);
+    apps.moveToAnotherSpace(away);
+    // Entries a process cannot be asked about, or that are not windows.
+    std::int64_t odd = desktop.openWindow(SimWindowSetup{c, "Google Chrome", Rect{5, 5, 50, 50}});
+    desktop.setListTamper([&](std::uint32_t, RawWindowList& raw) {
+        for (auto& entry : *raw)
+            if (entry->number == odd) entry->ownerPID = std::int64_t{1} << 40;
+    });
+
+    WindowList list(desktop.windowServer());
+    auto byProcess = list.windowsByProcess(Geometry(desktop.windowServer()).screenHeight());
+    for (std::int32_t pid : {c, e, s, std::int32_t{999}}) {
+        auto found = byProcess.find(pid);
+        EXPECT_EQ(found == byProcess.end() ? std::vector<ForeignWindow>{} : found->second, list.windows(pid))
+            << "process " << pid;
+    }
+    EXPECT_FALSE(byProcess.count(999));
+
+    monitor.start();
+    std::size_t lists = desktop.counts().windowLists;
+    monitor.read();
+    EXPECT_EQ(desktop.counts().windowLists - lists, 2u) << "the on-screen list and the list of all windows";
+    ASSERT_EQ(monitor.readings().size(), 3u);
+    for (const auto& [bundleID, windows] : monitor.readings()) {
+        for (const ProbedWindow& window : windows) {
+            ASSERT_TRUE(window.screenWindow) << bundleID << " " << window.key.window;
+            std::int32_t pid = bundleID == chrome ? c : bundleID == edge ? e : s;
+            EXPECT_EQ(window.screenWindow->number, numberOf(pid, window.key.window));
+            EXPECT_EQ(window.screenWindow->isOnScreen, window.screenWindow->number != hidden &&
+                                                           window.screenWindow->number != away);
+        }
+    }
+
+    // A browser that keeps the thread waiting makes the next one look again.
+    apps.setScriptBehaviour(edge, SimScriptBehaviour::timeOut);
+    lists = desktop.counts().windowLists;
+    monitor.read();
+    EXPECT_EQ(desktop.counts().windowLists - lists, 4u);
+    lists = desktop.counts().windowLists;
+    monitor.read();
+    EXPECT_EQ(desktop.counts().windowLists - lists, 2u) << "the silent one is cooling down and not asked";
+    EXPECT_EQ(monitor.readings().at(edge).size(), 1u) << "and keeps its windows";
 }
 
 }  // namespace
