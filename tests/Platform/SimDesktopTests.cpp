@@ -7,19 +7,6 @@ namespace {
 
 using Numbers = std::vector<std::int64_t>;
 
-std::vector<SimEvent> heard;
-void listen(std::uint32_t event, void* data, std::size_t, void*) {
-    heard.push_back(SimEvent{event, *static_cast<std::uint32_t*>(data)});
-}
-
-// Registers for every event and asks for all of `windows`.
-void subscribe(SimDesktop& desktop, const Numbers& windows) {
-    const SkyLightEntryPoints& sky = desktop.windowServer().skyLight();
-    for (std::uint32_t event : {804u, 806u, 807u, 808u, 816u}) sky.registerNotifyProc(listen, event, nullptr);
-    std::vector<std::uint32_t> packed(windows.begin(), windows.end());
-    sky.requestNotificationsForWindows(sky.mainConnectionID(), packed.data(), static_cast<std::int32_t>(packed.size()));
-}
-
 SimWindowSetup app(Rect bounds, std::int64_t layer = 0) { return SimWindowSetup{501, "Safari", bounds, layer}; }
 
 TEST(SimDesktop, StacksByLayerThenByOrderWithOverlaysAmongThem) {
@@ -107,29 +94,6 @@ TEST(SimDesktop, EveryChangeShowsInTheNextListOfEveryKind) {
     expectStacks("order it out", {o, b, picture}, {b, picture});
     overlay.reset();
     expectStacks("release it", {b, picture}, {b, picture});
-}
-
-TEST(SimDesktop, SwitchingSpacesMovesWindowsButNotOverlays) {
-    heard.clear();
-    SimDesktop desktop;
-    std::int64_t here = desktop.openWindow(app(Rect{0, 0, 100, 100}));
-    std::int64_t first = desktop.openWindow(app(Rect{0, 0, 100, 100}));
-    std::int64_t second = desktop.openWindow(app(Rect{0, 0, 100, 100}));
-    desktop.switchSpace({first, second}, {});
-    auto overlay = desktop.overlayWindows().makeWindow(Rect{0, 800, 100, 100}, 0, 2, false);
-    overlay->orderWindow(WindowOrderingMode::above, here);
-    subscribe(desktop, {here, first, second});
-    int changes = 0;
-    auto observation = desktop.workspaceNotifications().observe(SystemNotification::activeSpaceDidChange, [&] {
-        ++changes;
-        EXPECT_EQ(desktop.onScreenStack(), (Numbers{first, second, overlay->windowNumber()}))
-            << "the windows have arrived when the change is told";
-    });
-    desktop.switchSpace({here}, {first, second});
-    EXPECT_EQ(changes, 1);
-    EXPECT_TRUE(heard.empty());
-    EXPECT_THROW(desktop.switchSpace({here}, {999}), std::out_of_range);
-    EXPECT_TRUE(desktop.window(first)->isOnScreen) << "a bad switch changes nothing";
 }
 
 }  // namespace
