@@ -6,9 +6,7 @@
 
 #include "Ashview/AppMonitor.h"
 #include "Ashview/GrayController.h"
-#include "AshviewCore/BrowserCatalog.h"
 #include "AshviewCore/RuleStore.h"
-#include "AshviewOverlay/Geometry.h"
 #include "Platform/Sim/SimNotificationCenter.h"
 #include "ReadingFixture.h"
 #include "TempFolder.h"

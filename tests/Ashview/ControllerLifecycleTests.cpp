@@ -100,27 +100,9 @@ TEST_F(ControllerTest, StartingWiresEverythingAndAsksForNoPass) {
     EXPECT_TRUE(controller->usage().recorder().history().lastRun.has_value()) << "the keeper was started";
 }
 
-TEST_F(ControllerTest, StoppingSavesBeforeTheOverlaysGo) {
+TEST_F(ControllerTest, CountersAreSavedEveryFiveMinutesAndOnceMoreBeforeTheOverlaysGo) {
     start();
-    listSite("news.example");
-    std::int64_t first = open("news.example", Rect{0, 0, 400, 400});
-    std::int64_t second = open("news.example", Rect{500, 0, 400, 400});
-    controller->read();
-    fs::remove(historyFile());
-    fs::remove(snapshotFile());
-    fs::create_directory(snapshotFile());  // this save fails, and its log line tells when it ran
-    takeLines();
-    controller->stop();
-    EXPECT_TRUE(fs::exists(historyFile()));
-    EXPECT_EQ(takeLines(), (Lines{"could not save counts", "window " + std::to_string(first) + " back to color: quitting",
-                                  "window " + std::to_string(second) + " back to color: quitting"}));
-    EXPECT_TRUE(desktop.overlays().empty());
-    EXPECT_EQ(controller->usage().recorder().history().lastRun->stop->reason, UsageHistory::StopReason::userQuit);
-}
-
-TEST_F(ControllerTest, CountersAreSavedEveryFiveMinutesAndAFailedSaveIsRetried) {
-    start();
-    open("news.example", Rect{0, 0, 400, 400});
+    std::int64_t news = open("news.example", Rect{0, 0, 400, 400});
     controller->read();
     auto savedAt = [&] { return TrackerSnapshotStore{folder.path()}.load()->savedAt; };
     Instant first = savedAt();
@@ -143,6 +125,20 @@ TEST_F(ControllerTest, CountersAreSavedEveryFiveMinutesAndAFailedSaveIsRetried) 
     controller->read();
     EXPECT_TRUE(takeLines().empty());
     EXPECT_EQ(savedAt(), desktop.clock().now()) << "retried on the very next pass";
+
+    listSite("news.example");
+    std::int64_t second = open("news.example", Rect{500, 0, 400, 400});
+    controller->read();
+    fs::remove(historyFile());
+    fs::remove(snapshotFile());
+    fs::create_directory(snapshotFile());  // this save fails, and its log line tells when it ran
+    takeLines();
+    controller->stop();
+    EXPECT_TRUE(fs::exists(historyFile()));
+    EXPECT_EQ(takeLines(), (Lines{"could not save counts", "window " + std::to_string(news) + " back to color: quitting",
+                                  "window " + std::to_string(second) + " back to color: quitting"}));
+    EXPECT_TRUE(desktop.overlays().empty());
+    EXPECT_EQ(controller->usage().recorder().history().lastRun->stop->reason, UsageHistory::StopReason::userQuit);
 }
 
 TEST_F(ControllerTest, ABrowserQuittingAndTheSessionEnding) {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "Ashview/BrowserMonitor.h"
+#include "AshviewCore/BrowserCatalog.h"
 #include "Platform/Sim/SimApplications.h"
 #include "Platform/Sim/SimDesktop.h"
 
