@@ -116,7 +116,14 @@ TEST_F(ControllerTest, ABurstOfRequestsGivesOnePass) {
 }
 
 TEST_F(ControllerTest, WithNothingToReadThereIsNoTimerAndNoWakeUp) {
+    // A running app that is not listed, and a listed site and app not open.
+    apps.openWindow(apps.launchApp("com.example.Other", "Other"), Rect{0, 0, 400, 400});
     start();
+    RuleSet rules = controller->rules();
+    rules.addSite("news.example");
+    rules.addApp("com.example.Game", "Game");
+    controller->rulesChangedInSettings(rules);
+    advance(1);
     takeLines();
     std::size_t queued = desktop.clock().queuedCount();
     std::size_t fired = desktop.clock().firedCount();

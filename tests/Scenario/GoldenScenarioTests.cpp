@@ -88,20 +88,5 @@ TEST(GoldenScenario, TheBuiltInDayTellsItsStory) {
     EXPECT_NE(played.out.find("Today so far"), std::string::npos) << played.out;
 }
 
-TEST(ScenarioRuns, ADayWithNothingToReadWakesNoTimer) {
-    TempFolder data;
-    std::ostringstream out;
-    std::ostringstream log;
-    ScenarioPlayer player({data.path(), "quiet", out, log});
-    // A listed app that is not running and a running app that is not listed.
-    ScenarioScript quiet = script(
-        "start\nadd site news.example\nadd app com.example.chat Chat\nlaunch app com.example.other Other\nwait 24h\n",
-        "quiet");
-    for (std::size_t i = 0; i + 1 < quiet.commands.size(); ++i) player.step(quiet.commands[i]);
-    std::size_t before = player.firings();
-    player.step(quiet.commands.back());
-    EXPECT_EQ(player.firings(), before);
-}
-
 }  // namespace
 }  // namespace ashview
