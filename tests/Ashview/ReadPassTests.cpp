@@ -286,5 +286,93 @@ TEST_F(ControllerTest, CoveredWindowsAndPausesDoNotCountAsOnScreen) {
     EXPECT_EQ(controller->grayedWindows(), std::vector<std::int64_t>{news});
 }
 
+// A tab change, from a browser of either kind through both monitors and the
+// controller to the overlay, as the program wires them.
+class TabChangeToGray : public ControllerTest, public ::testing::WithParamInterface<const char*> {
+protected:
+    static constexpr const char* listed = "https://video.example.net/watch?v=1";
+    static constexpr const char* unlisted = "https://news.example.org/";
+
+    /// Two windows of one size side by side: `work` on a listed site within
+    /// its limit, `play` on an unlisted one, after the one open an hour that
+    /// "video.example.net" allows was used in `play`. Ends 0.5 s after a
+    /// backup pass, so the next one is 4.5 s away.
+    void openTheDay(bool trusted) {
+        apps.setTrusted(trusted);
+        std::int32_t pid = apps.launchBrowser(GetParam());
+        work = apps.openWindow(pid, Rect{0, 25, 700, 500}, "https://docs.example.com/");
+        play = apps.openWindow(pid, Rect{720, 25, 700, 500}, unlisted);
+        start();
+        RuleSet rules = controller->rules();
+        rules.newSiteDefaults.trigger = GrayTrigger::afterLimit(60, std::nullopt, CountPeriod::hour);
+        rules.addSite("docs.example.com");
+        rules.newSiteDefaults.trigger = GrayTrigger::afterLimit(std::nullopt, 1, CountPeriod::hour);
+        rules.addSite("video.example.net");
+        controller->rulesChangedInSettings(rules);
+
+        // Each step outlasts a backup period, so it is read either way.
+        apps.showAddress(play, listed);
+        advance(GrayController::backupInterval + 1);
+        apps.showAddress(play, unlisted);
+        advance(GrayController::backupInterval + 1);
+        ASSERT_TRUE(desktop.overlays().empty()) << "one open is within the limit";
+        int before = fullPasses;
+        while (fullPasses == before) ASSERT_TRUE(desktop.clock().runNext());
+        advance(0.5);
+        takeLines();
+    }
+    std::size_t scripts() const { return apps.scriptsReceived(GetParam()); }
+    void expectGrayOverPlayOnly() {
+        ASSERT_EQ(desktop.overlays().size(), 1u);
+        EXPECT_EQ(desktop.overlays()[0].directlyAbove, play);
+        EXPECT_EQ(desktop.overlays()[0].frame, Geometry::flip(desktop.window(play)->bounds, 900));
+        EXPECT_EQ(controller->grayedWindows(), std::vector<std::int64_t>{play});
+    }
+
+    std::int64_t work = 0;
+    std::int64_t play = 0;
+};
+
+TEST_P(TabChangeToGray, IsReportedAndOnePassLaterTheRightWindowIsGray) {
+    ASSERT_NO_FATAL_FAILURE(openTheDay(true));
+    std::size_t scriptsBefore = scripts();
+    int before = fullPasses;
+
+    apps.showAddress(play, listed);
+    EXPECT_EQ(takeLines(), Lines{browser(GetParam()).name + " reported AXTitleChanged"});
+    advance(0.149);
+    EXPECT_EQ(fullPasses, before);
+    EXPECT_TRUE(desktop.overlays().empty());
+    advance(0.001);
+    EXPECT_EQ(fullPasses, before + 1);
+    EXPECT_EQ(scripts(), scriptsBefore + 1);
+    expectGrayOverPlayOnly();
+    EXPECT_EQ(takeLines().back(), "graying window " + std::to_string(play));
+
+    // Nothing else asks for a pass before the backup timer's next one.
+    advance(4.0);
+    EXPECT_EQ(fullPasses, before + 1);
+}
+
+TEST_P(TabChangeToGray, WithoutAccessibilityTheBackupPassFindsItWithinFiveSeconds) {
+    ASSERT_NO_FATAL_FAILURE(openTheDay(false));
+    int before = fullPasses;
+
+    apps.showAddress(play, listed);
+    advance(0.15);
+    EXPECT_EQ(fullPasses, before) << "no event asks for a pass";
+    EXPECT_TRUE(desktop.overlays().empty());
+    advance(5.0 - 0.15);
+    EXPECT_EQ(fullPasses, before + 1);
+    expectGrayOverPlayOnly();
+    for (const std::string& line : takeLines()) EXPECT_EQ(line.find("reported"), std::string::npos) << line;
+}
+
+INSTANTIATE_TEST_SUITE_P(BothDialects, TabChangeToGray, ::testing::Values("com.google.Chrome", "com.apple.Safari"),
+                         [](const auto& info) {
+                             return BrowserCatalog::browser(info.param)->dialect == Dialect::chromium ? "Chromium"
+                                                                                                      : "Safari";
+                         });
+
 }  // namespace
 }  // namespace ashview
