@@ -5,6 +5,7 @@
 #include "Platform/Sim/SimAppServices.h"
 #include "Platform/Sim/SimApplications.h"
 #include "Platform/Sim/SimDesktop.h"
+#include "ScopedVariable.h"
 #include "TempFolder.h"
 
 #include <gtest/gtest.h>
@@ -15,20 +16,6 @@
 
 namespace ashview {
 namespace {
-
-/// Sets an environment variable (none: unsets it) until the object goes.
-class ScopedVariable final {
-public:
-    ScopedVariable(const char* name, const char* value) : name_(name) {
-        if (const char* old = std::getenv(name)) old_ = old;
-        value ? ::setenv(name, value, 1) : ::unsetenv(name);
-    }
-    ~ScopedVariable() { old_ ? ::setenv(name_, old_->c_str(), 1) : ::unsetenv(name_); }
-
-private:
-    const char* name_;
-    std::optional<std::string> old_;
-};
 
 /// One launch of the program with simulated services, in a user data folder
 /// of its own.

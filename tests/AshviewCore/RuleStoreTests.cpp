@@ -3,6 +3,7 @@
 #include "AshviewCore/RuleStore.h"
 #include "AshviewCore/RulesDocument.h"
 
+#include "ScopedVariable.h"
 #include "TempFolder.h"
 
 #include <gtest/gtest.h>
@@ -16,20 +17,6 @@ namespace {
 
 namespace fs = std::filesystem;
 using Kind = RuleStoreError::Kind;
-
-/// Sets an environment variable (unsets it for null) for one scope.
-class ScopedVariable final {
-public:
-    ScopedVariable(const char* name, const char* value) : name_(name) {
-        if (const char* old = std::getenv(name)) old_ = old;
-        value ? ::setenv(name, value, 1) : ::unsetenv(name);
-    }
-    ~ScopedVariable() { old_ ? ::setenv(name_, old_->c_str(), 1) : ::unsetenv(name_); }
-
-private:
-    const char* name_;
-    std::optional<std::string> old_;
-};
 
 class RuleStoreTest : public ::testing::Test {
 protected:
