@@ -1,7 +1,7 @@
 // A window of another application, as the read pass and the overlay see it.
 #pragma once
 
-#include "AshviewCore/Rect.h"
+#include "AshviewCore/Foundation/Rect.h"
 
 #include <cstdint>
 

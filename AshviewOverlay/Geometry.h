@@ -8,7 +8,7 @@
 // never kept, so a new arrangement of displays counts at once.
 #pragma once
 
-#include "AshviewCore/Rect.h"
+#include "AshviewCore/Foundation/Rect.h"
 #include "Platform/WindowServer.h"
 
 namespace ashview {

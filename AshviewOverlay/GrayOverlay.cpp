@@ -1,6 +1,6 @@
 #include "AshviewOverlay/GrayOverlay.h"
 
-#include "AshviewCore/Uuid.h"
+#include "AshviewCore/Foundation/Uuid.h"
 
 namespace ashview {
 

@@ -12,7 +12,7 @@
 // other number is a programming error and ends the process.
 #pragma once
 
-#include "AshviewCore/Rect.h"
+#include "AshviewCore/Foundation/Rect.h"
 #include "Platform/WindowServer.h"
 
 #include <cstdint>

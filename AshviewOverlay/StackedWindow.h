@@ -1,7 +1,7 @@
 // One entry of the on-screen stack, of any layer and any owner.
 #pragma once
 
-#include "AshviewCore/Rect.h"
+#include "AshviewCore/Foundation/Rect.h"
 
 #include <cstdint>
 

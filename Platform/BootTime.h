@@ -3,7 +3,7 @@
 // own, settable value.
 #pragma once
 
-#include "AshviewCore/Instant.h"
+#include "AshviewCore/Foundation/Instant.h"
 
 #include <optional>
 #include <string_view>

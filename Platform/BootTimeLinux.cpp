@@ -1,6 +1,6 @@
 #include "Platform/BootTime.h"
 
-#include "AshviewCore/AtomicFile.h"
+#include "AshviewCore/Foundation/AtomicFile.h"
 
 #include <charconv>
 #include <string>

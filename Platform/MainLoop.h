@@ -11,8 +11,8 @@
 // when a test or a scenario advances it.
 #pragma once
 
-#include "AshviewCore/Calendar.h"
-#include "AshviewCore/Instant.h"
+#include "AshviewCore/Foundation/Calendar.h"
+#include "AshviewCore/Foundation/Instant.h"
 
 #include <functional>
 #include <memory>

@@ -9,7 +9,7 @@
 // window nobody holds any more is gone from the screen.
 #pragma once
 
-#include "AshviewCore/Rect.h"
+#include "AshviewCore/Foundation/Rect.h"
 
 #include <cstdint>
 #include <memory>

@@ -8,7 +8,7 @@
 // Mac entry point, or a `SimDesktop`) and must outlive everything handed it.
 #pragma once
 
-#include "AshviewCore/Rect.h"
+#include "AshviewCore/Foundation/Rect.h"
 
 #include <cstddef>
 #include <cstdint>

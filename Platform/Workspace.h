@@ -10,7 +10,7 @@
 // adapter is owned by whoever builds the desktop and must outlive its users.
 #pragma once
 
-#include "AshviewCore/Instant.h"
+#include "AshviewCore/Foundation/Instant.h"
 #include "Platform/SystemNotifications.h"
 
 #include <cstdint>

@@ -1,8 +1,8 @@
 #include "Scenario/ScenarioScript.h"
 
-#include "AshviewCore/BrowserCatalog.h"
-#include "AshviewCore/Calendar.h"
-#include "AshviewCore/Text.h"
+#include "AshviewCore/Reading/BrowserCatalog.h"
+#include "AshviewCore/Foundation/Calendar.h"
+#include "AshviewCore/Foundation/Text.h"
 
 #include <charconv>
 #include <cmath>

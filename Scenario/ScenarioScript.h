@@ -10,8 +10,8 @@
 // data file is written.
 #pragma once
 
-#include "AshviewCore/SitePin.h"
-#include "AshviewCore/SiteSettings.h"
+#include "AshviewCore/Rules/SitePin.h"
+#include "AshviewCore/Rules/SiteSettings.h"
 
 #include <optional>
 #include <string>

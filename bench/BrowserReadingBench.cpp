@@ -1,8 +1,8 @@
 // The cost of reading browsers, with the browsers' own answering time taken
 // out: one monitor read of ten browsers with fifty windows each, and the
 // pairing of two hundred reported windows with two hundred screen windows.
-#include "Ashview/BrowserMonitor.h"
-#include "AshviewCore/FramePairing.h"
+#include "Ashview/Reading/BrowserMonitor.h"
+#include "AshviewCore/Reading/FramePairing.h"
 #include "Platform/Sim/SimApplications.h"
 #include "Platform/Sim/SimDesktop.h"
 

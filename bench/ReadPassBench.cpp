@@ -4,10 +4,10 @@
 // belong to other applications; every other window is placed over the one
 // before it, so half the stack covers others. The browsers answer at once:
 // what is measured is the pass itself, scripts aside.
-#include "Ashview/AppSource.h"
-#include "Ashview/BrowserSource.h"
-#include "Ashview/GrayController.h"
-#include "AshviewCore/RuleStore.h"
+#include "Ashview/Reading/AppSource.h"
+#include "Ashview/Reading/BrowserSource.h"
+#include "Ashview/Controller/GrayController.h"
+#include "AshviewCore/Rules/RuleStore.h"
 #include "AshviewOverlay/Geometry.h"
 #include "Platform/Sim/SimDesktop.h"
 

@@ -2,10 +2,10 @@
 // with 50 listed sites, every figure filled in; and the start of a run after
 // a run record that lies thousands of years back, which costs no more than
 // the days that are kept.
-#include "AshviewCore/LocalDays.h"
-#include "AshviewCore/UsageRecorder.h"
-#include "AshviewCore/UsageStore.h"
-#include "AshviewCore/UsageSummary.h"
+#include "AshviewCore/Usage/LocalDays.h"
+#include "AshviewCore/Usage/UsageRecorder.h"
+#include "AshviewCore/Usage/UsageStore.h"
+#include "AshviewCore/Usage/UsageSummary.h"
 
 #include <benchmark/benchmark.h>
 

@@ -3,7 +3,7 @@
 // over the screen's middle (so windows there cover one another), the rest is
 // scattered; one window in ten is this program's overlay, one in twenty sits
 // on a higher layer, one in twenty is fully transparent.
-#include "AshviewCore/Visibility.h"
+#include "AshviewCore/Reading/Visibility.h"
 
 #include <benchmark/benchmark.h>
 

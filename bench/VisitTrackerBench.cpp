@@ -2,7 +2,7 @@
 // and 100, 1,000 and 1,000. Window hosts lie several labels below their
 // rule's host, so each lookup walks up the labels. Time is per pass; a pass
 // must grow linearly with the size.
-#include "AshviewCore/VisitTracker.h"
+#include "AshviewCore/Tracking/VisitTracker.h"
 
 #include <benchmark/benchmark.h>
 

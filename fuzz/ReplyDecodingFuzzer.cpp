@@ -4,7 +4,7 @@
 // The input is read as a small program that builds the reply tree: one byte
 // picks a value kind, the following bytes give its payload. What is left
 // after the tree describes the browser's screen windows.
-#include "Ashview/BrowserProbe.h"
+#include "Ashview/Reading/BrowserProbe.h"
 
 #include <cstdint>
 #include <cstring>

@@ -2,12 +2,12 @@
 // first one) never crash them. What the current reader accepts survives
 // writing and reading back unchanged, and validating, snapshotting and
 // looking up hosts in any accepted document are safe.
-#include "AshviewCore/Json.h"
-#include "AshviewCore/Policy.h"
-#include "AshviewCore/RuleError.h"
-#include "AshviewCore/RuleSetV1.h"
-#include "AshviewCore/RulesDocument.h"
-#include "AshviewCore/SiteLookup.h"
+#include "AshviewCore/Foundation/Json.h"
+#include "AshviewCore/Rules/Policy.h"
+#include "AshviewCore/Rules/RuleError.h"
+#include "AshviewCore/Rules/RuleSetV1.h"
+#include "AshviewCore/Rules/RulesDocument.h"
+#include "AshviewCore/Rules/SiteLookup.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -1,9 +1,9 @@
 // Arbitrary bytes given to the snapshot reader never crash it; what it
 // accepts survives writing and reading back unchanged, and restoring it into
 // a tracker, running a pass and taking a new snapshot never crashes either.
-#include "AshviewCore/Json.h"
-#include "AshviewCore/TrackerSnapshot.h"
-#include "AshviewCore/VisitTracker.h"
+#include "AshviewCore/Foundation/Json.h"
+#include "AshviewCore/Tracking/TrackerSnapshot.h"
+#include "AshviewCore/Tracking/VisitTracker.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -2,10 +2,10 @@
 // it accepts survives writing and reading back unchanged; the summary of any
 // accepted history can be made, and a run can start on it in bounded time,
 // whatever instants its run record holds.
-#include "AshviewCore/Json.h"
-#include "AshviewCore/UsageHistory.h"
-#include "AshviewCore/UsageRecorder.h"
-#include "AshviewCore/UsageSummary.h"
+#include "AshviewCore/Foundation/Json.h"
+#include "AshviewCore/Usage/UsageHistory.h"
+#include "AshviewCore/Usage/UsageRecorder.h"
+#include "AshviewCore/Usage/UsageSummary.h"
 
 #include <cstddef>
 #include <cstdint>

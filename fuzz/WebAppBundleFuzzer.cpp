@@ -3,8 +3,8 @@
 //
 // The input's first byte picks the layout; the rest is split at the first
 // 0x00 0x00 pair into the Info.plist and the manifest.
-#include "Ashview/WebAppHosts.h"
-#include "AshviewCore/WebAppStart.h"
+#include "Ashview/Reading/WebAppHosts.h"
+#include "AshviewCore/Reading/WebAppStart.h"
 
 #include <cstdint>
 #include <cstdlib>

@@ -3,7 +3,7 @@
 // seconds after `start`.
 #pragma once
 
-#include "AshviewCore/VisitTracker.h"
+#include "AshviewCore/Tracking/VisitTracker.h"
 
 #include <gtest/gtest.h>
 

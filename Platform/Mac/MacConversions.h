@@ -5,7 +5,7 @@
 #import <CoreGraphics/CoreGraphics.h>
 #import <Foundation/Foundation.h>
 
-#include "AshviewCore/Rect.h"
+#include "AshviewCore/Foundation/Rect.h"
 
 #include <string>
 #include <string_view>

@@ -1,6 +1,6 @@
 #include "Platform/Sim/SimApplications.h"
 
-#include "AshviewCore/BrowserCatalog.h"
+#include "AshviewCore/Reading/BrowserCatalog.h"
 
 #include <algorithm>
 #include <cmath>

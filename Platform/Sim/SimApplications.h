@@ -26,8 +26,8 @@
 // `firstProcessIdentifier`, scripting ids from `firstScriptingID`.
 #pragma once
 
-#include "AshviewCore/Instant.h"
-#include "AshviewCore/Rect.h"
+#include "AshviewCore/Foundation/Instant.h"
+#include "AshviewCore/Foundation/Rect.h"
 #include "Platform/Accessibility.h"
 #include "Platform/AppleEvents.h"
 #include "Platform/OpenPanel.h"

@@ -23,7 +23,7 @@
 // the desktop; once it is gone they are inert.
 #pragma once
 
-#include "AshviewCore/Rect.h"
+#include "AshviewCore/Foundation/Rect.h"
 #include "Platform/OverlayWindows.h"
 #include "Platform/Sim/SimClock.h"
 #include "Platform/Sim/SimNotificationCenter.h"

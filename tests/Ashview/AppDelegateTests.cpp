@@ -1,7 +1,7 @@
-#include "Ashview/AppDelegate.h"
+#include "Ashview/App/AppDelegate.h"
 
-#include "Ashview/InstanceLock.h"
-#include "Ashview/GrayController.h"
+#include "Ashview/App/InstanceLock.h"
+#include "Ashview/Controller/GrayController.h"
 #include "Platform/Sim/SimAppServices.h"
 #include "Platform/Sim/SimApplications.h"
 #include "Platform/Sim/SimDesktop.h"

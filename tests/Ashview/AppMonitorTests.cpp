@@ -1,6 +1,6 @@
-#include "Ashview/AppChooser.h"
-#include "Ashview/AppIcons.h"
-#include "Ashview/AppMonitor.h"
+#include "Ashview/Shell/AppChooser.h"
+#include "Ashview/Shell/AppIcons.h"
+#include "Ashview/Reading/AppMonitor.h"
 
 #include "AshviewOverlay/WindowList.h"
 #include "ReadingFixture.h"

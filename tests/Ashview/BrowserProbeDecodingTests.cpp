@@ -1,4 +1,4 @@
-#include "Ashview/BrowserProbe.h"
+#include "Ashview/Reading/BrowserProbe.h"
 
 #include <gtest/gtest.h>
 

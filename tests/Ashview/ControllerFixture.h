@@ -4,9 +4,9 @@
 // the overlays and the counts.
 #pragma once
 
-#include "Ashview/AppMonitor.h"
-#include "Ashview/GrayController.h"
-#include "AshviewCore/RuleStore.h"
+#include "Ashview/Reading/AppMonitor.h"
+#include "Ashview/Controller/GrayController.h"
+#include "AshviewCore/Rules/RuleStore.h"
 #include "Platform/Sim/SimNotificationCenter.h"
 #include "ReadingFixture.h"
 #include "TempFolder.h"

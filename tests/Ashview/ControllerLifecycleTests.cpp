@@ -1,7 +1,7 @@
 #include "ControllerFixture.h"
 
-#include "AshviewCore/AtomicFile.h"
-#include "AshviewCore/TrackerSnapshotStore.h"
+#include "AshviewCore/Foundation/AtomicFile.h"
+#include "AshviewCore/Tracking/TrackerSnapshotStore.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "Ashview/InstanceLock.h"
+#include "Ashview/App/InstanceLock.h"
 
 #include "TempFolder.h"
 

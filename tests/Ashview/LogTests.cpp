@@ -1,4 +1,4 @@
-#include "Ashview/Log.h"
+#include "Ashview/Controller/Log.h"
 
 #include "Platform/Sim/SimClock.h"
 

@@ -1,4 +1,4 @@
-#include "Ashview/LoginItem.h"
+#include "Ashview/App/LoginItem.h"
 
 #include "Platform/Sim/SimAppServices.h"
 

@@ -2,8 +2,8 @@
 // objects are built on.
 #pragma once
 
-#include "Ashview/BrowserMonitor.h"
-#include "AshviewCore/BrowserCatalog.h"
+#include "Ashview/Reading/BrowserMonitor.h"
+#include "AshviewCore/Reading/BrowserCatalog.h"
 #include "Platform/Sim/SimApplications.h"
 #include "Platform/Sim/SimDesktop.h"
 

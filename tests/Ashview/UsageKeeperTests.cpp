@@ -1,8 +1,8 @@
-#include "Ashview/UsageKeeper.h"
+#include "Ashview/Usage/UsageKeeper.h"
 
-#include "Ashview/Log.h"
-#include "AshviewCore/AtomicFile.h"
-#include "AshviewCore/Json.h"
+#include "Ashview/Controller/Log.h"
+#include "AshviewCore/Foundation/AtomicFile.h"
+#include "AshviewCore/Foundation/Json.h"
 #include "Platform/Sim/SimClock.h"
 #include "Platform/Sim/SimNotificationCenter.h"
 #include "TempFolder.h"

@@ -1,4 +1,4 @@
-#include "Ashview/WebAppHosts.h"
+#include "Ashview/Reading/WebAppHosts.h"
 
 #include "TempFolder.h"
 

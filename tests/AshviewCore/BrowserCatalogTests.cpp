@@ -1,4 +1,4 @@
-#include "AshviewCore/BrowserCatalog.h"
+#include "AshviewCore/Reading/BrowserCatalog.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "AshviewCore/Calendar.h"
+#include "AshviewCore/Foundation/Calendar.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
-#include "AshviewCore/AtomicFile.h"
-#include "AshviewCore/Json.h"
-#include "AshviewCore/Url.h"
-#include "AshviewCore/Uuid.h"
+#include "AshviewCore/Foundation/AtomicFile.h"
+#include "AshviewCore/Foundation/Json.h"
+#include "AshviewCore/Foundation/Url.h"
+#include "AshviewCore/Foundation/Uuid.h"
 
 #include "TempFolder.h"
 

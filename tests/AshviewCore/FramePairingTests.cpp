@@ -1,4 +1,4 @@
-#include "AshviewCore/FramePairing.h"
+#include "AshviewCore/Reading/FramePairing.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "AshviewCore/LocalDays.h"
+#include "AshviewCore/Usage/LocalDays.h"
 
 #include <gtest/gtest.h>
 

@@ -1,10 +1,10 @@
-#include "AshviewCore/AppKey.h"
-#include "AshviewCore/Host.h"
-#include "AshviewCore/Policy.h"
-#include "AshviewCore/RuleError.h"
-#include "AshviewCore/RuleSet.h"
-#include "AshviewCore/SiteLookup.h"
-#include "AshviewCore/Url.h"
+#include "AshviewCore/Rules/AppKey.h"
+#include "AshviewCore/Rules/Host.h"
+#include "AshviewCore/Rules/Policy.h"
+#include "AshviewCore/Rules/RuleError.h"
+#include "AshviewCore/Rules/RuleSet.h"
+#include "AshviewCore/Rules/SiteLookup.h"
+#include "AshviewCore/Foundation/Url.h"
 
 #include <gtest/gtest.h>
 

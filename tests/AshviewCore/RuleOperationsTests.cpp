@@ -1,5 +1,5 @@
-#include "AshviewCore/RuleError.h"
-#include "AshviewCore/RuleSet.h"
+#include "AshviewCore/Rules/RuleError.h"
+#include "AshviewCore/Rules/RuleSet.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
-#include "AshviewCore/RuleSet.h"
-#include "AshviewCore/SiteSettings.h"
-#include "AshviewCore/SiteStatus.h"
+#include "AshviewCore/Rules/RuleSet.h"
+#include "AshviewCore/Rules/SiteSettings.h"
+#include "AshviewCore/Tracking/SiteStatus.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
-#include "AshviewCore/Json.h"
-#include "AshviewCore/RuleSetV1.h"
+#include "AshviewCore/Foundation/Json.h"
+#include "AshviewCore/Rules/RuleSetV1.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
-#include "AshviewCore/AtomicFile.h"
-#include "AshviewCore/RuleError.h"
-#include "AshviewCore/RuleStore.h"
-#include "AshviewCore/RulesDocument.h"
+#include "AshviewCore/Foundation/AtomicFile.h"
+#include "AshviewCore/Rules/RuleError.h"
+#include "AshviewCore/Rules/RuleStore.h"
+#include "AshviewCore/Rules/RulesDocument.h"
 
 #include "ScopedVariable.h"
 #include "TempFolder.h"

@@ -1,5 +1,5 @@
-#include "AshviewCore/RuleError.h"
-#include "AshviewCore/RulesDocument.h"
+#include "AshviewCore/Rules/RuleError.h"
+#include "AshviewCore/Rules/RulesDocument.h"
 
 #include <gtest/gtest.h>
 

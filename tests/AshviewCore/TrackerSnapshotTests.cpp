@@ -1,5 +1,5 @@
-#include "AshviewCore/AtomicFile.h"
-#include "AshviewCore/TrackerSnapshotStore.h"
+#include "AshviewCore/Foundation/AtomicFile.h"
+#include "AshviewCore/Tracking/TrackerSnapshotStore.h"
 #include "TempFolder.h"
 #include "TrackerFixture.h"
 

@@ -1,4 +1,4 @@
-#include "AshviewCore/UsageHistory.h"
+#include "AshviewCore/Usage/UsageHistory.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "AshviewCore/UsageRecorder.h"
+#include "AshviewCore/Usage/UsageRecorder.h"
 
 #include <gtest/gtest.h>
 

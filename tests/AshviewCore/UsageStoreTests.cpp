@@ -1,6 +1,6 @@
-#include "AshviewCore/UsageStore.h"
+#include "AshviewCore/Usage/UsageStore.h"
 
-#include "AshviewCore/AtomicFile.h"
+#include "AshviewCore/Foundation/AtomicFile.h"
 
 #include "TempFolder.h"
 

@@ -1,4 +1,4 @@
-#include "AshviewCore/UsageSummary.h"
+#include "AshviewCore/Usage/UsageSummary.h"
 
 #include <gtest/gtest.h>
 

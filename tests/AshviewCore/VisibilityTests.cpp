@@ -1,4 +1,4 @@
-#include "AshviewCore/Visibility.h"
+#include "AshviewCore/Reading/Visibility.h"
 
 #include <gtest/gtest.h>
 

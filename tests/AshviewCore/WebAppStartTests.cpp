@@ -1,5 +1,5 @@
-#include "AshviewCore/BrowserCatalog.h"
-#include "AshviewCore/WebAppStart.h"
+#include "AshviewCore/Reading/BrowserCatalog.h"
+#include "AshviewCore/Reading/WebAppStart.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 // The `drabwise` program as a process: its command line, a second copy on
 // the same data folder, and saves cut short by a kill.
-#include "AshviewCore/Json.h"
+#include "AshviewCore/Foundation/Json.h"
 #include "Scenario/ScenarioPlayer.h"
 
 #include "TempFolder.h"

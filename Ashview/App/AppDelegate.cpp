@@ -1,0 +1,77 @@
+#include "Ashview/App/AppDelegate.h"
+
+#include "Ashview/Reading/AppMonitor.h"
+#include "Ashview/Reading/BrowserMonitor.h"
+#include "Ashview/Controller/GrayController.h"
+#include "Ashview/App/InstanceLock.h"
+#include "Ashview/Controller/Log.h"
+#include "Ashview/App/LoginItem.h"
+
+namespace ashview {
+
+AppDelegate::AppDelegate(Services services) : services_(services) {}
+
+AppDelegate::~AppDelegate() = default;
+
+void AppDelegate::applicationDidFinishLaunching() {
+    RuleStore store = RuleStore::applicationSupport();
+    if (!RuleStore::customDirectory()) moveLegacyDataFolder(store.directory);
+    store_ = store;
+
+    if (InstanceLock::anotherCopyIsRunning(store.directory, services_.errors)) {
+        quitBecauseAnotherCopyIsRunning();
+        return;
+    }
+    startUpdater();
+
+    const Desktop& desktop = services_.desktop;
+    browsers_ = std::make_unique<BrowserMonitor>(ReadingPlatform{
+        desktop.workspace, desktop.appleEvents, desktop.accessibility, desktop.windowServer, desktop.loop});
+    // The controller hands the monitor its rules when it starts.
+    apps_ = std::make_unique<AppMonitor>(RuleSet::fresh(), desktop.workspace, desktop.windowServer);
+    controller_ = std::make_unique<GrayController>(
+        store, GrayController::Services{desktop.loop, desktop.windowServer, desktop.overlayWindows,
+                                        desktop.workspaceNotifications, desktop.distributedNotifications, *browsers_,
+                                        *apps_, services_.errors});
+    // The status menu and the settings, setup and About windows are made
+    // here, between the controller and its start, as they arrive.
+    controller_->start();
+    running_ = true;
+
+    LoginItem::registerOnFirstLaunchIfInstalled(services_.loginItems, services_.defaults, services_.errors);
+}
+
+void AppDelegate::applicationWillTerminate() {
+    if (controller_) controller_->stop();
+    running_ = false;
+}
+
+void AppDelegate::checkForUpdates() { services_.updater.checkForUpdates(); }
+
+void AppDelegate::moveLegacyDataFolder(const std::filesystem::path& to) {
+    switch (RuleStore::moveLegacyFolder(RuleStore::legacyDirectory(), to)) {
+        case RuleStore::FolderMove::moved:
+            Log::plain(services_.errors, "moved the data folder from Ashview to Drabwise");
+            break;
+        case RuleStore::FolderMove::failed:
+            Log::plain(services_.errors, "could not move the Ashview data folder; it was left as it is");
+            break;
+        case RuleStore::FolderMove::noOldFolder:
+        case RuleStore::FolderMove::newFolderExists:
+            break;
+    }
+}
+
+void AppDelegate::startUpdater() {
+    if (std::optional<std::string> failure = services_.updater.start()) {
+        Log::plain(services_.errors, "not checking for updates: " + *failure);
+    }
+}
+
+void AppDelegate::quitBecauseAnotherCopyIsRunning() {
+    services_.application.activate();
+    services_.application.runModalAlert(alreadyRunningMessage, alreadyRunningInformation);
+    services_.application.terminate();
+}
+
+}  // namespace ashview
