@@ -51,6 +51,9 @@ public:
 
     /// AXIsProcessTrusted: whether the user allowed this program. No prompt.
     virtual bool isProcessTrusted() = 0;
+    /// AXIsProcessTrustedWithOptions with the prompt option on: the system
+    /// asks the user to allow this program, and the answer comes later.
+    virtual void promptForTrust() = 0;
     /// AXObserverCreate for process `pid`: null on an error or no result.
     virtual std::unique_ptr<AccessibilityObserver> createObserver(std::int32_t pid, Callback callback) = 0;
 };

@@ -8,6 +8,9 @@
 // `LoginItem` and `AppDelegate`. Main thread only.
 #pragma once
 
+#include "Platform/SystemNotifications.h"
+
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -54,7 +57,8 @@ public:
     virtual void openSystemSettingsLoginItems() = 0;
 };
 
-/// The user-defaults flags of the program. A flag never set reads false.
+/// The user defaults of the program: flags and texts kept between runs. A
+/// flag never set reads false; a text never set, or removed, reads nothing.
 class UserDefaults {
 public:
     UserDefaults() = default;
@@ -64,6 +68,11 @@ public:
 
     virtual bool boolValue(std::string_view key) const = 0;
     virtual void setBool(std::string_view key, bool value) = 0;
+    /// The text under `key`; nothing when none is set or the value is no text.
+    virtual std::optional<std::string> stringValue(std::string_view key) const = 0;
+    virtual void setString(std::string_view key, const std::string& value) = 0;
+    /// Forgets the value under `key`, of whatever kind.
+    virtual void remove(std::string_view key) = 0;
 };
 
 /// The application object of the process: its alerts, its activation and
@@ -82,6 +91,10 @@ public:
     /// Ends the process's run: the delegate's termination runs, then the run
     /// loop stops.
     virtual void terminate() = 0;
+    /// Calls `handler` on the main thread each time the program becomes the
+    /// active application, until the observation is destroyed.
+    [[nodiscard]] virtual std::unique_ptr<NotificationObservation> observeDidBecomeActive(
+        std::function<void()> handler) = 0;
 };
 
 /// The services of the platform the program is built for.

@@ -66,6 +66,10 @@ public:
     /// handle is cancelled. The rhythm is kept from the first firing: each
     /// due time is the previous due time plus the interval.
     virtual std::shared_ptr<ScheduledTask> repeatEvery(double interval, std::function<void()> task) = 0;
+    /// Runs `work` off the main thread (a work that may block, such as a
+    /// system prompt), then `done` on the main thread. `work` must touch no
+    /// state of the program; `done` may.
+    virtual void runInBackground(std::function<void()> work, std::function<void()> done) = 0;
 };
 
 }  // namespace ashview

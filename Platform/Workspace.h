@@ -77,6 +77,14 @@ public:
     /// The icon of the file or bundle at `path`; the system gives a generic
     /// icon for a path it cannot read, so this may still be null.
     virtual std::shared_ptr<const AppIcon> iconForFile(const std::string& path) = 0;
+    /// Opens `url` with the application the system chooses for it (a
+    /// browser, System Settings); false when the system refused.
+    virtual bool openURL(const std::string& url) = 0;
+    /// The name the file manager shows for the item at `path`.
+    virtual std::string displayName(const std::string& path) = 0;
+    /// The bundle identifier of the bundle at `path`; nothing when the path
+    /// is no bundle or the bundle has none.
+    virtual std::optional<std::string> bundleIdentifier(const std::string& path) = 0;
 
     /// This program's own bundle identifier (absent when run unbundled).
     virtual std::optional<std::string> mainBundleIdentifier() = 0;

@@ -11,6 +11,7 @@
 #include "Platform/Sim/SimAppServices.h"
 #include "Platform/Sim/SimApplications.h"
 #include "Platform/Sim/SimDesktop.h"
+#include "Platform/Sim/SimNotificationCenter.h"
 
 #include <cmath>
 #include <cstdlib>
@@ -27,7 +28,10 @@ namespace {
 class PlayerApplication final : public Application {
 public:
     explicit PlayerApplication(std::ostream& log) : log_(log) {}
-    void activate() override {}
+    void activate() override { becomeActive.post("NSApplicationDidBecomeActiveNotification"); }
+    std::unique_ptr<NotificationObservation> observeDidBecomeActive(std::function<void()> handler) override {
+        return becomeActive.observe("NSApplicationDidBecomeActiveNotification", std::move(handler));
+    }
     void runModalAlert(const std::string& message, const std::string& informativeText) override {
         Log::plain(log_, message);
         Log::plain(log_, informativeText);
@@ -35,6 +39,7 @@ public:
     void terminate() override { terminated = true; }
 
     bool terminated = false;
+    SimNotificationCenter becomeActive;
 
 private:
     std::ostream& log_;

@@ -4,9 +4,11 @@
 #pragma once
 
 #include "Platform/AppServices.h"
+#include "Platform/Sim/SimNotificationCenter.h"
 
 #include <map>
 #include <string>
+#include <variant>
 #include <vector>
 
 namespace ashview {
@@ -69,24 +71,41 @@ public:
     int activations = 0;
     int terminations = 0;
 
-    void activate() override { ++activations; }
+    /// Activation makes the program the active application, which its
+    /// observers hear of.
+    void activate() override {
+        ++activations;
+        becomeActive.post("NSApplicationDidBecomeActiveNotification");
+    }
     void runModalAlert(const std::string& message, const std::string& informativeText) override {
         alerts.push_back(Alert{message, informativeText});
     }
     void terminate() override { ++terminations; }
+    std::unique_ptr<NotificationObservation> observeDidBecomeActive(std::function<void()> handler) override {
+        return becomeActive.observe("NSApplicationDidBecomeActiveNotification", std::move(handler));
+    }
+    /// Where "the program became active" is posted.
+    SimNotificationCenter becomeActive;
 };
 
 class SimUserDefaults final : public UserDefaults {
 public:
     bool boolValue(std::string_view key) const override {
         auto found = values_.find(std::string(key));
-        return found != values_.end() && found->second;
+        return found != values_.end() && std::holds_alternative<bool>(found->second) && std::get<bool>(found->second);
     }
     void setBool(std::string_view key, bool value) override { values_[std::string(key)] = value; }
+    std::optional<std::string> stringValue(std::string_view key) const override {
+        auto found = values_.find(std::string(key));
+        if (found == values_.end() || !std::holds_alternative<std::string>(found->second)) return std::nullopt;
+        return std::get<std::string>(found->second);
+    }
+    void setString(std::string_view key, const std::string& value) override { values_[std::string(key)] = value; }
+    void remove(std::string_view key) override { values_.erase(std::string(key)); }
     bool has(std::string_view key) const { return values_.contains(std::string(key)); }
 
 private:
-    std::map<std::string, bool> values_;
+    std::map<std::string, std::variant<bool, std::string>, std::less<>> values_;
 };
 
 }  // namespace ashview

@@ -2,6 +2,7 @@
 
 #include "AshviewCore/Reading/BrowserCatalog.h"
 
+#include <filesystem>
 #include <algorithm>
 #include <cmath>
 #include <map>
@@ -88,6 +89,8 @@ struct SimApplications::State : std::enable_shared_from_this<SimApplications::St
     std::map<std::string, std::string> bundles;
     std::optional<std::string> ownBundleID = std::string(defaultOwnBundleIdentifier);
     std::size_t bundleLookups = 0, iconLookups = 0;
+    std::vector<std::string> openedURLs;
+    std::size_t trustPrompts = 0;
     OpenPanelResult panelResult;
     std::optional<OpenPanelSettings> lastPanel;
 
@@ -236,6 +239,20 @@ public:
         ++state_->iconLookups;
         return std::make_shared<SimIcon>(path);
     }
+    bool openURL(const std::string& url) override {
+        state_->openedURLs.push_back(url);
+        return true;
+    }
+    std::string displayName(const std::string& path) override {
+        std::string name = std::filesystem::path(path).filename().string();
+        if (name.ends_with(".app")) name.resize(name.size() - 4);
+        return name;
+    }
+    std::optional<std::string> bundleIdentifier(const std::string& path) override {
+        for (const auto& [bundleID, bundlePath] : state_->bundles)
+            if (bundlePath == path) return bundleID;
+        return std::nullopt;
+    }
     std::optional<std::string> mainBundleIdentifier() override { return state_->ownBundleID; }
     std::int32_t ownProcessIdentifier() override { return state_->desktop->processIdentifier(); }
 
@@ -283,6 +300,7 @@ class SimApplications::State::AccessibilityAdapter final : public Accessibility 
 public:
     explicit AccessibilityAdapter(State& state) : state_(&state) {}
     bool isProcessTrusted() override { return state_->trusted; }
+    void promptForTrust() override { ++state_->trustPrompts; }
     std::unique_ptr<AccessibilityObserver> createObserver(std::int32_t pid, Callback callback) override {
         if (!state_->trusted) return nullptr;
         auto found = state_->processes.find(pid);
@@ -581,6 +599,13 @@ void SimApplications::setOwnBundleIdentifier(std::optional<std::string> bundleID
 }
 std::size_t SimApplications::bundleLookups() const { return state_->bundleLookups; }
 std::size_t SimApplications::iconLookups() const { return state_->iconLookups; }
+const std::vector<std::string>& SimApplications::openedURLs() const { return state_->openedURLs; }
+std::size_t SimApplications::trustPrompts() const { return state_->trustPrompts; }
+std::optional<SimPermission> SimApplications::permission(const std::string& bundleID) const {
+    auto found = state_->permissions.find(bundleID);
+    if (found == state_->permissions.end()) return std::nullopt;
+    return found->second;
+}
 void SimApplications::setOpenPanelResult(OpenPanelResult result) { state_->panelResult = std::move(result); }
 std::optional<OpenPanelSettings> SimApplications::lastOpenPanel() const { return state_->lastPanel; }
 

@@ -175,6 +175,13 @@ public:
     void setOwnBundleIdentifier(std::optional<std::string> bundleID);
     std::size_t bundleLookups() const;
     std::size_t iconLookups() const;
+    /// Every address given to the workspace to open, in order.
+    const std::vector<std::string>& openedURLs() const;
+    /// How often the program asked the system to prompt for Accessibility.
+    std::size_t trustPrompts() const;
+    /// The permission set for a browser, if any was set (unset counts as
+    /// allowed).
+    std::optional<SimPermission> permission(const std::string& bundleID) const;
     void setOpenPanelResult(OpenPanelResult result);
     /// The settings of the last panel shown, if any.
     std::optional<OpenPanelSettings> lastOpenPanel() const;

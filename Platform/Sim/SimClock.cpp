@@ -109,6 +109,20 @@ bool SimClock::runNext() {
     return false;
 }
 
+void SimClock::runInBackground(std::function<void()> work, std::function<void()> done) {
+    background_.emplace_back(std::move(work), std::move(done));
+}
+
+std::size_t SimClock::finishBackgroundWork() {
+    auto waiting = std::move(background_);
+    background_.clear();
+    for (auto& [work, done] : waiting) {
+        if (work) work();
+        if (done) done();
+    }
+    return waiting.size();
+}
+
 void SimClock::block(double seconds) { elapsedNanos_ += toNanos(seconds); }
 
 void SimClock::shiftWallClock(double seconds) { wallShift_ += seconds; }

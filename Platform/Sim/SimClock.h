@@ -20,6 +20,7 @@
 
 #include <cstdint>
 #include <map>
+#include <vector>
 #include <memory>
 #include <optional>
 
@@ -43,6 +44,13 @@ public:
     std::shared_ptr<ScheduledTask> runAfter(double delay, std::function<void()> task) override;
     /// Throws std::invalid_argument when `interval` is not positive.
     std::shared_ptr<ScheduledTask> repeatEvery(double interval, std::function<void()> task) override;
+    /// Keeps the work until `finishBackgroundWork()`: on the simulated desktop
+    /// a blocking system call ends when a test or a scenario says so.
+    void runInBackground(std::function<void()> work, std::function<void()> done) override;
+    /// Runs every waiting background work, then its completion, in order.
+    /// Returns how many ran.
+    std::size_t finishBackgroundWork();
+    std::size_t backgroundWorkWaiting() const { return background_.size(); }
 
     /// Moves both clocks forward by `seconds` (negative counts as 0), running
     /// every task due up to and including the end. `advance(0)` runs what is
@@ -96,6 +104,7 @@ private:
     std::size_t queued_ = 0;
     std::size_t fired_ = 0;
     std::map<Key, std::shared_ptr<Task>> queue_;
+    std::vector<std::pair<std::function<void()>, std::function<void()>>> background_;
 };
 
 }  // namespace ashview
