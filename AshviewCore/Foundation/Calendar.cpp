@@ -4,6 +4,7 @@
 #include <unicode/datefmt.h>
 #include <unicode/dtfmtsym.h>
 #include <unicode/locid.h>
+#include <unicode/numfmt.h>
 #include <unicode/timezone.h>
 
 #include <stdexcept>
@@ -28,6 +29,8 @@ struct Calendar::Prototype {
     std::unique_ptr<icu::Calendar> calendar;
     std::unique_ptr<icu::DateFormat> shortTime;
     std::unique_ptr<icu::DateFormat> mediumDate;
+    std::unique_ptr<icu::DateFormat> longDate;
+    std::unique_ptr<icu::NumberFormat> integer;
 
     // One working calendar per prototype, reset before each use, so that a
     // question costs no ICU clone; and the fields of the last instant asked,
@@ -78,7 +81,11 @@ Calendar::Calendar(std::string identifier, std::string timeZone, std::string loc
 
     prototype->shortTime.reset(icu::DateFormat::createTimeInstance(icu::DateFormat::kShort, prototype->locale));
     prototype->mediumDate.reset(icu::DateFormat::createDateInstance(icu::DateFormat::kMedium, prototype->locale));
-    for (auto* format : {prototype->shortTime.get(), prototype->mediumDate.get()}) {
+    prototype->longDate.reset(icu::DateFormat::createDateInstance(icu::DateFormat::kLong, prototype->locale));
+    UErrorCode numberStatus = U_ZERO_ERROR;
+    prototype->integer.reset(icu::NumberFormat::createInstance(prototype->locale, numberStatus));
+    if (U_FAILURE(numberStatus) || !prototype->integer) throw std::invalid_argument("unknown locale " + locale_);
+    for (auto* format : {prototype->shortTime.get(), prototype->mediumDate.get(), prototype->longDate.get()}) {
         if (!format) throw std::invalid_argument("no date formats for locale " + locale_);
         format->setCalendar(*prototype->calendar);
     }
@@ -192,6 +199,29 @@ std::string Calendar::shortTimeText(Instant instant) const {
 std::string Calendar::mediumDateText(Instant instant) const {
     icu::UnicodeString text;
     prototype_->mediumDate->format(toUDate(instant), text);
+    return utf8(text);
+}
+
+std::string Calendar::longDateText(Instant instant) const {
+    icu::UnicodeString text;
+    prototype_->longDate->format(toUDate(instant), text);
+    return utf8(text);
+}
+
+std::string Calendar::monthName(long month) const {
+    if (month < 1 || month > 12) return {};
+    UErrorCode status = U_ZERO_ERROR;
+    icu::DateFormatSymbols symbols(prototype_->locale, status);
+    std::int32_t count = 0;
+    const icu::UnicodeString* names =
+        symbols.getMonths(count, icu::DateFormatSymbols::STANDALONE, icu::DateFormatSymbols::WIDE);
+    if (U_FAILURE(status) || !names || month > count) return {};
+    return utf8(names[month - 1]);
+}
+
+std::string Calendar::integerText(long long value) const {
+    icu::UnicodeString text;
+    prototype_->integer->format(static_cast<std::int64_t>(value), text);
     return utf8(text);
 }
 

@@ -76,6 +76,14 @@ public:
     std::string shortTimeText(Instant instant) const;
     /// The locale's medium date of `instant` ("Nov 23, 2026", "23.11.2026").
     std::string mediumDateText(Instant instant) const;
+    /// The locale's long date of `instant`, without a time ("November 23,
+    /// 2026", "23. November 2026").
+    std::string longDateText(Instant instant) const;
+    /// The full name of month 1...12 in the locale, as it stands alone
+    /// ("December"); empty outside that range.
+    std::string monthName(long month) const;
+    /// A whole number as the locale writes it ("1,234", "1.234").
+    std::string integerText(long long value) const;
 
     friend bool operator==(const Calendar& a, const Calendar& b) {
         return a.identifier_ == b.identifier_ && a.timeZone_ == b.timeZone_ && a.locale_ == b.locale_;
