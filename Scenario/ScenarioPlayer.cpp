@@ -12,6 +12,8 @@
 #include "Platform/Sim/SimApplications.h"
 #include "Platform/Sim/SimDesktop.h"
 #include "Platform/Sim/SimNotificationCenter.h"
+#include "Scenario/HeadlessViews.h"
+#include "Scenario/ShellScene.h"
 
 #include <cmath>
 #include <cstdlib>
@@ -62,6 +64,7 @@ struct ScenarioPlayer::State {
     std::unique_ptr<LoginItemService> loginItems = AppServices::systemLoginItemService();
     SimUserDefaults defaults;
     PlayerApplication application;
+    HeadlessViews views;
     std::unique_ptr<AppDelegate> delegate;
 
     std::map<std::string, std::int32_t> pids;
@@ -110,10 +113,11 @@ struct ScenarioPlayer::State {
             *loginItems,
             defaults,
             application,
+            views,
             options.log,
             AppDelegate::Desktop{desktop->clock(), desktop->windowServer(), desktop->overlayWindows(),
                                  desktop->workspaceNotifications(), desktop->distributedNotifications(),
-                                 apps->workspace(), apps->appleEvents(), apps->accessibility()},
+                                 apps->workspace(), apps->appleEvents(), apps->accessibility(), apps->openPanel()},
         };
         delegate = std::make_unique<AppDelegate>(services);
         delegate->applicationDidFinishLaunching();
@@ -140,36 +144,6 @@ struct ScenarioPlayer::State {
             if (rule.host == command.site || (normalized && rule.host == *normalized)) return rule;
         }
         throw LineFailure{"no listed site or app \"" + command.site + "\""};
-    }
-
-    static SiteSettings changed(SiteSettings settings, const ScenarioCommand::SettingsChange& change) {
-        if (change.days) settings.days = *change.days;
-        if (change.hours) settings.hours = *change.hours;
-        if (change.trigger) settings.trigger = *change.trigger;
-        if (change.stayGray) settings.stayGray = *change.stayGray;
-        return settings;
-    }
-
-    /// The settings window's path: edit a copy, write it, hand it over.
-    template <typename Edit>
-    void changeInSettings(Edit edit) {
-        GrayController& gray = *controller();
-        RuleSet rules = gray.rules();
-        try {
-            edit(rules);
-            rules.validate();
-        } catch (const RuleError& error) {
-            options.out << "  refused: " << error.what() << "\n";
-            return;
-        }
-        if (!gray.rulesProblem()) {
-            try {
-                gray.store().save(rules);
-            } catch (const std::exception&) {
-                options.out << "  the rules could not be saved\n";
-            }
-        }
-        gray.rulesChangedInSettings(rules);
     }
 
     // What a person sees.
@@ -376,37 +350,27 @@ int ScenarioPlayer::State::run(const ScenarioCommand& command) {
                                                       : std::nullopt);
             break;
         case Kind::addSite:
-            if (!controller()->addSite(command.site)) options.out << "  not added: " << command.site << "\n";
-            break;
         case Kind::addApp:
-            if (!controller()->addApp(command.program, command.name)) {
-                options.out << "  not added: " << command.program << "\n";
-            }
-            break;
         case Kind::removeSite:
-            controller()->removeSite(rule(command));
-            break;
         case Kind::setRule:
-            if (command.site.empty()) {
-                changeInSettings([&](RuleSet& rules) {
-                    rules.newSiteDefaults = changed(rules.newSiteDefaults, command.change);
-                });
-            } else {
-                SiteRule target = rule(command);
-                changeInSettings([&](RuleSet& rules) {
-                    rules.updateSettings(target.id, changed(rules.effectiveSettings(target), command.change));
-                });
-            }
-            break;
-        case Kind::resetRule: {
-            SiteRule target = rule(command);
-            changeInSettings([&](RuleSet& rules) { rules.resetToNewSiteDefaults(target.id); });
-            break;
-        }
+        case Kind::resetRule:
         case Kind::addDayOff:
-            changeInSettings([&](RuleSet& rules) {
-                rules.addDayOff(DayOff{Uuid::random(), command.name, command.month, command.day, command.year});
-            });
+        case Kind::menu:
+        case Kind::choose:
+        case Kind::settings:
+        case Kind::typeSite:
+        case Kind::submitSite:
+        case Kind::addFrontSite:
+        case Kind::addUsedApp:
+        case Kind::pickApp:
+        case Kind::editRule:
+        case Kind::removeDayOff:
+        case Kind::clearHistory:
+            try {
+                ShellScene(*delegate, *apps, options.out).run(command);
+            } catch (const SceneFailure& failure) {
+                throw LineFailure{failure.what};
+            }
             break;
         case Kind::show:
             show(true);

@@ -353,9 +353,20 @@ private:
             } else if (what == "day") {
                 in.word("off", "\"off\"");
                 parseDayOff(in, command);
+            } else if (what == "front") {
+                in.word("site", "\"site\"");
+                command.kind = Kind::addFrontSite;
+            } else if (what == "used") {
+                in.word("app", "\"app\"");
+                command.kind = Kind::addUsedApp;
             } else {
-                expect("\"site\", \"app\" or \"day off\"");
+                expect("\"site\", \"app\", \"day off\", \"front site\" or \"used app\"");
             }
+        } else if (verb == "remove" && in.accept("day")) {
+            needRunning(verb);
+            in.word("off", "\"off\" and the day off's name");
+            command.kind = Kind::removeDayOff;
+            command.name = in.take("the day off's name");
         } else if (verb == "remove" || verb == "reset") {
             needRunning(verb);
             command.kind = verb == "remove" ? Kind::removeSite : Kind::resetRule;
@@ -369,13 +380,53 @@ private:
         } else if (verb == "show" || verb == "stats") {
             needRunning(verb);
             command.kind = verb == "show" ? Kind::show : Kind::stats;
+        } else if (parseShell(verb, in, command)) {
+            needRunning(verb);
         } else {
             expect("a command (clock, wait, start, stop, restart, launch, quit, open, tab, focus, move, resize, "
                    "cover, minimise, restore, close, space, displays, screen, session, log out, gray, pin, color, "
-                   "add, remove, set, reset, show, stats), not \"" + verb + "\"");
+                   "add, remove, set, reset, show, stats, menu, choose, settings, type, submit, pick, edit, "
+                   "clear), not \"" + verb + "\"");
         }
         in.end();
         return command;
+    }
+
+    /// The commands of the status menu and the settings window; false for
+    /// any other verb.
+    bool parseShell(const std::string& verb, Cursor& in, ScenarioCommand& command) {
+        using Kind = ScenarioCommand::Kind;
+        if (verb == "menu") {
+            command.kind = Kind::menu;
+        } else if (verb == "choose") {
+            command.kind = Kind::choose;
+            command.others.push_back(in.take("the title of a menu item, such as \"Show in color for\""));
+            while (!in.done()) command.others.push_back(in.take("the title of a submenu's item"));
+        } else if (verb == "settings") {
+            command.kind = Kind::settings;
+            if (!in.done()) command.label = in.take("a page: stats, new-sites, days-off or a listed site");
+        } else if (verb == "type") {
+            command.kind = Kind::typeSite;
+            command.name = in.take("the text typed into the add box, such as example.com");
+        } else if (verb == "submit") {
+            command.kind = Kind::submitSite;
+        } else if (verb == "pick") {
+            in.word("app", "\"app\" and the path of the app chosen in the open panel");
+            command.kind = Kind::pickApp;
+            command.address = in.take("the path of an app, such as /Applications/Chat.app");
+        } else if (verb == "edit") {
+            command.kind = Kind::editRule;
+            std::string target = in.take("a listed site or app, or \"defaults\"");
+            if (target != "defaults") command.site = target;
+            command.others.push_back(in.take("a control of the rule's form, such as \"Time of day\""));
+            while (!in.done()) command.others.push_back(in.take("the control's value"));
+        } else if (verb == "clear") {
+            in.word("history", "\"history\"");
+            command.kind = Kind::clearHistory;
+        } else {
+            return false;
+        }
+        return true;
     }
 
     void parseClock(Cursor& in, ScenarioCommand& command) {

@@ -69,6 +69,18 @@ struct ScenarioCommand final {
         // Looking.
         show,
         stats,
+        // The status menu and the settings window, as a person uses them.
+        menu,             ///< prints the menu
+        choose,           ///< others: the title path of a menu item
+        settings,         ///< label: the page to open ("" for the page as it is)
+        typeSite,         ///< name: the text typed into the add box
+        submitSite,       ///< the add box's submit
+        addFrontSite,     ///< the add area's "Add {host}"
+        addUsedApp,       ///< the add area's "Add {name}"
+        pickApp,          ///< address: the bundle chosen in the open panel
+        editRule,         ///< site (empty: the defaults for new sites), others: the control and its value
+        removeDayOff,     ///< name
+        clearHistory,
     };
 
     Kind kind = Kind::show;

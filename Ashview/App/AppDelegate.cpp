@@ -33,12 +33,27 @@ void AppDelegate::applicationDidFinishLaunching() {
         store, GrayController::Services{desktop.loop, desktop.windowServer, desktop.overlayWindows,
                                         desktop.workspaceNotifications, desktop.distributedNotifications, *browsers_,
                                         *apps_, services_.errors});
-    // The status menu and the settings, setup and About windows are made
-    // here, between the controller and its start, as they arrive.
+    makeShell();
     controller_->start();
     running_ = true;
 
     LoginItem::registerOnFirstLaunchIfInstalled(services_.loginItems, services_.defaults, services_.errors);
+}
+
+void AppDelegate::makeShell() {
+    const Desktop& desktop = services_.desktop;
+    settingsWindow_ = std::make_unique<SettingsWindow>(
+        SettingsModel::Services{*controller_, *apps_, services_.defaults, desktop.workspace, desktop.openPanel,
+                                desktop.loop},
+        services_.application, services_.views);
+    StatusMenu::Actions actions{
+        [this](const std::optional<SiteRule>& site) { settingsWindow_->show(site); },
+        [] {},
+        [this] { settingsWindow_->showStats(); },
+        [] {},
+    };
+    statusMenu_ = std::make_unique<StatusMenu>(*controller_, *apps_, services_.loginItems, desktop.loop,
+                                               services_.errors, std::move(actions));
 }
 
 void AppDelegate::applicationWillTerminate() {

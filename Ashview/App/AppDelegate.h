@@ -7,11 +7,15 @@
 // Main thread only; made once per process and never launched twice.
 #pragma once
 
+#include "Ashview/Shell/SettingsWindow.h"
+#include "Ashview/Shell/StatusMenu.h"
+#include "Ashview/Shell/WindowView.h"
 #include "AshviewCore/Rules/RuleStore.h"
 #include "Platform/Accessibility.h"
 #include "Platform/AppServices.h"
 #include "Platform/AppleEvents.h"
 #include "Platform/MainLoop.h"
+#include "Platform/OpenPanel.h"
 #include "Platform/OverlayWindows.h"
 #include "Platform/SystemNotifications.h"
 #include "Platform/WindowServer.h"
@@ -41,6 +45,7 @@ public:
         Workspace& workspace;
         AppleEvents& appleEvents;
         Accessibility& accessibility;
+        OpenPanel& openPanel;
     };
 
     /// Everything the delegate reaches outside itself; each must outlive it.
@@ -49,6 +54,8 @@ public:
         LoginItemService& loginItems;
         UserDefaults& defaults;
         Application& application;
+        /// The settings, setup and About windows' views.
+        WindowViews& views;
         /// Standard error in the program: the log, and the lines written
         /// before the controller exists (those without a time).
         std::ostream& errors;
@@ -83,11 +90,18 @@ public:
     bool isRunning() const { return running_; }
     /// The engine; absent until launch has finished, and for a second copy.
     GrayController* controller() const { return controller_.get(); }
+    /// The status item's menu and the settings window; absent like the
+    /// controller.
+    StatusMenu* statusMenu() const { return statusMenu_.get(); }
+    SettingsWindow* settingsWindow() const { return settingsWindow_.get(); }
 
 private:
     void moveLegacyDataFolder(const std::filesystem::path& to);
     void startUpdater();
     void quitBecauseAnotherCopyIsRunning();
+    /// The settings window and the status menu, between the controller and
+    /// its start.
+    void makeShell();
 
     Services services_;
     std::optional<RuleStore> store_;
@@ -96,6 +110,9 @@ private:
     std::unique_ptr<BrowserMonitor> browsers_;
     std::unique_ptr<AppMonitor> apps_;
     std::unique_ptr<GrayController> controller_;
+    // The shell goes before the controller it refers to.
+    std::unique_ptr<SettingsWindow> settingsWindow_;
+    std::unique_ptr<StatusMenu> statusMenu_;
 };
 
 }  // namespace ashview

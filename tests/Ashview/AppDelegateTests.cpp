@@ -3,6 +3,7 @@
 #include "Ashview/App/InstanceLock.h"
 #include "Ashview/Controller/GrayController.h"
 #include "Platform/Sim/SimAppServices.h"
+#include "Scenario/HeadlessViews.h"
 #include "Platform/Sim/SimApplications.h"
 #include "Platform/Sim/SimDesktop.h"
 #include "ScopedVariable.h"
@@ -32,12 +33,13 @@ protected:
         SimLoginItemService loginItems;
         SimUserDefaults defaults;
         SimApplicationShell application;
+        HeadlessViews views;
         std::ostringstream errors;
-        AppDelegate delegate{{updater, loginItems, defaults, application, errors,
+        AppDelegate delegate{{updater, loginItems, defaults, application, views, errors,
                               AppDelegate::Desktop{desktop.clock(), desktop.windowServer(), desktop.overlayWindows(),
                                                    desktop.workspaceNotifications(),
                                                    desktop.distributedNotifications(), apps.workspace(),
-                                                   apps.appleEvents(), apps.accessibility()}}};
+                                                   apps.appleEvents(), apps.accessibility(), apps.openPanel()}}};
     };
 
     TempFolder home;
