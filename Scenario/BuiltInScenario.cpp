@@ -22,6 +22,8 @@ tab news https://news.example/sports
 wait 9m
 
 # Twenty-one minutes on news: the window is gray, and the gray follows it.
+# The status menu tells where the front window's site stands.
+menu
 move news by 160 40
 resize news 900 640
 open notes in chrome at https://notes.example frame 40 60 700 500
@@ -41,11 +43,15 @@ restart
 wait 5s
 show
 
+# A break: everything in color for five minutes, from the menu.
+choose "Show in color for" "5 minutes"
+wait 6m
+
 # Away from the browser for the afternoon, then the week's statistic.
 close news
 close notes
 wait until 17:30
-stats
+settings stats
 )";
 
 }  // namespace ashview
