@@ -9,7 +9,15 @@
 
 namespace ashview {
 
-AppDelegate::AppDelegate(Services services) : services_(services) {}
+AppDelegate::AppDelegate(Services services) : services_(services) {
+    Desktop& desktop = services_.desktop;
+    setupWindow_ = std::make_unique<SetupWindow>(
+        SetupWindow::Services{{desktop.workspace, desktop.appleEvents, desktop.accessibility, desktop.loop},
+                              services_.defaults,
+                              services_.application,
+                              services_.views},
+        SetupModel::installedCatalog(desktop.workspace));
+}
 
 AppDelegate::~AppDelegate() = default;
 
@@ -38,6 +46,9 @@ void AppDelegate::applicationDidFinishLaunching() {
     running_ = true;
 
     LoginItem::registerOnFirstLaunchIfInstalled(services_.loginItems, services_.defaults, services_.errors);
+    // A user who once closed the setup sees it again while a browser still
+    // needs an answer.
+    setupWindow_->showAtLaunchIfNeeded();
 }
 
 void AppDelegate::makeShell() {
@@ -48,7 +59,7 @@ void AppDelegate::makeShell() {
         services_.application, services_.views);
     StatusMenu::Actions actions{
         [this](const std::optional<SiteRule>& site) { settingsWindow_->show(site); },
-        [] {},
+        [this] { setupWindow_->show(); },
         [this] { settingsWindow_->showStats(); },
         [] {},
     };

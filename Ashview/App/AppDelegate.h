@@ -8,6 +8,7 @@
 #pragma once
 
 #include "Ashview/Shell/SettingsWindow.h"
+#include "Ashview/Shell/SetupWindow.h"
 #include "Ashview/Shell/StatusMenu.h"
 #include "Ashview/Shell/WindowView.h"
 #include "AshviewCore/Rules/RuleStore.h"
@@ -66,6 +67,7 @@ public:
     static constexpr const char* alreadyRunningMessage = "Drabwise is already running";
     static constexpr const char* alreadyRunningInformation = "Look for it in the menu bar.";
 
+    /// Makes the setup window over the catalog's browsers installed now.
     explicit AppDelegate(Services services);
     AppDelegate(const AppDelegate&) = delete;
     AppDelegate& operator=(const AppDelegate&) = delete;
@@ -73,7 +75,8 @@ public:
 
     /// Moves the older data folder (only for the normal data folder), takes
     /// the one-copy lock, starts the updater, builds the controller (which
-    /// loads the rules) and starts it, and registers the login item. A second copy on the same data folder
+    /// loads the rules) and starts it, registers the login item, and shows
+    /// the setup window when it is needed. A second copy on the same data folder
     /// shows the alert, asks the application to terminate, and does nothing
     /// else: no updater, no controller.
     void applicationDidFinishLaunching();
@@ -94,6 +97,7 @@ public:
     /// controller.
     StatusMenu* statusMenu() const { return statusMenu_.get(); }
     SettingsWindow* settingsWindow() const { return settingsWindow_.get(); }
+    SetupWindow& setupWindow() { return *setupWindow_; }
 
 private:
     void moveLegacyDataFolder(const std::filesystem::path& to);
@@ -104,6 +108,7 @@ private:
     void makeShell();
 
     Services services_;
+    std::unique_ptr<SetupWindow> setupWindow_;
     std::optional<RuleStore> store_;
     bool running_ = false;
     // The controller goes first at destruction: it lets go of the monitors.

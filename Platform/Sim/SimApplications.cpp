@@ -594,6 +594,8 @@ std::size_t SimApplications::liveObservers(std::int32_t pid) const {
 void SimApplications::registerBundle(const std::string& bundleID, const std::string& path) {
     state_->bundles[bundleID] = path;
 }
+
+void SimApplications::removeBundle(const std::string& bundleID) { state_->bundles.erase(bundleID); }
 void SimApplications::setOwnBundleIdentifier(std::optional<std::string> bundleID) {
     state_->ownBundleID = std::move(bundleID);
 }

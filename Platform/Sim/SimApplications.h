@@ -172,6 +172,8 @@ public:
 
     // Bundles, icons, the open panel.
     void registerBundle(const std::string& bundleID, const std::string& path);
+    /// The bundle is deleted: the system no longer finds it.
+    void removeBundle(const std::string& bundleID);
     void setOwnBundleIdentifier(std::optional<std::string> bundleID);
     std::size_t bundleLookups() const;
     std::size_t iconLookups() const;

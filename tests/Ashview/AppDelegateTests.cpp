@@ -66,6 +66,8 @@ TEST_F(AppStart, MovesTheOlderFolderThenStartsTheUpdaterAndTheLoginItem) {
     EXPECT_TRUE(copy.application.alerts.empty());
     ASSERT_NE(copy.delegate.controller(), nullptr);
     EXPECT_EQ(copy.delegate.controller()->store().directory, home.path() / "Drabwise");
+    ASSERT_NE(copy.views.setup, nullptr) << "the setup window shows at the first start";
+    EXPECT_TRUE(copy.views.setup->isShown);
 }
 
 TEST_F(AppStart, AChosenDataFolderRunsBesideTheUsualOneAndLeavesTheOlderFolderAlone) {
@@ -95,6 +97,7 @@ TEST_F(AppStart, ASecondCopyOnTheSameFolderOnlyAlertsAndEnds) {
     EXPECT_EQ(second.application.terminations, 1);
     EXPECT_EQ(second.delegate.controller(), nullptr);
     EXPECT_EQ(second.updater.starts + second.loginItems.registrations, 0) << "nothing else is started";
+    EXPECT_EQ(second.views.setup, nullptr);
     EXPECT_TRUE(first.delegate.isRunning());
     EXPECT_EQ(first.application.terminations, 0);
 }
