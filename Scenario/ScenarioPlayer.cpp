@@ -13,6 +13,7 @@
 #include "Platform/Sim/SimDesktop.h"
 #include "Platform/Sim/SimNotificationCenter.h"
 #include "Scenario/HeadlessViews.h"
+#include "Scenario/SetupScene.h"
 #include "Scenario/ShellScene.h"
 
 #include <cmath>
@@ -125,6 +126,8 @@ struct ScenarioPlayer::State {
             delegate.reset();
             return anotherCopy;
         }
+        if (WindowView* setup = delegate->setupWindow().view(); setup && setup->isVisible())
+            options.out << "  the setup window opens\n";
         return finished;
     }
 
@@ -242,6 +245,9 @@ int ScenarioPlayer::State::run(const ScenarioCommand& command) {
             } else {
                 pids[command.program] = apps->launchBrowser(command.program, launched);
             }
+            // A browser that runs is installed.
+            apps->registerBundle(command.program,
+                                 "/Applications/" + BrowserCatalog::browser(command.program)->name + ".app");
             break;
         }
         case Kind::launchApp:
@@ -378,6 +384,21 @@ int ScenarioPlayer::State::run(const ScenarioCommand& command) {
         case Kind::stats:
             stats();
             return finished;
+        case Kind::install:
+        case Kind::uninstall:
+        case Kind::permission:
+        case Kind::accessibility:
+        case Kind::setup:
+        case Kind::setupPress:
+        case Kind::setupClose:
+        case Kind::answerPrompt:
+        case Kind::about:
+            try {
+                SetupScene(delegate.get(), *apps, desktop->clock(), options.out).run(command);
+            } catch (const SceneFailure& failure) {
+                throw LineFailure{failure.what};
+            }
+            break;
     }
     show(false);
     return finished;

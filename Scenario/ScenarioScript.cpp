@@ -4,6 +4,7 @@
 #include "AshviewCore/Foundation/Calendar.h"
 #include "AshviewCore/Foundation/Text.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <map>
@@ -382,11 +383,14 @@ private:
             command.kind = verb == "show" ? Kind::show : Kind::stats;
         } else if (parseShell(verb, in, command)) {
             needRunning(verb);
+        } else if (verb == "install" || verb == "uninstall" || verb == "permission" || verb == "accessibility" ||
+                   verb == "setup" || verb == "answer" || verb == "about") {
+            parseSetup(verb, in, command);
         } else {
             expect("a command (clock, wait, start, stop, restart, launch, quit, open, tab, focus, move, resize, "
                    "cover, minimise, restore, close, space, displays, screen, session, log out, gray, pin, color, "
                    "add, remove, set, reset, show, stats, menu, choose, settings, type, submit, pick, edit, "
-                   "clear), not \"" + verb + "\"");
+                   "clear, install, uninstall, permission, accessibility, setup, answer, about), not \"" + verb + "\"");
         }
         in.end();
         return command;
@@ -427,6 +431,54 @@ private:
             return false;
         }
         return true;
+    }
+
+    /// What is installed and allowed, the setup window and the About page.
+    void parseSetup(const std::string& verb, Cursor& in, ScenarioCommand& command) {
+        using Kind = ScenarioCommand::Kind;
+        auto browser = [&in] {
+            std::string word = in.take("a browser such as chrome or safari");
+            std::optional<std::string> id = scenarioBrowser(word);
+            if (!id) expect("a browser such as chrome or safari, not \"" + word + "\"");
+            return *id;
+        };
+        auto oneOf = [&in](std::vector<std::string> words, const std::string& what) {
+            std::string word = in.take(what);
+            if (std::find(words.begin(), words.end(), word) == words.end()) expect(what);
+            return word;
+        };
+        if (verb == "install" || verb == "uninstall") {
+            command.kind = verb == "install" ? Kind::install : Kind::uninstall;
+            command.program = browser();
+        } else if (verb == "permission") {
+            command.kind = Kind::permission;
+            command.program = browser();
+            command.name = oneOf({"allowed", "denied", "not-asked"}, "\"allowed\", \"denied\" or \"not-asked\"");
+        } else if (verb == "accessibility") {
+            command.kind = Kind::accessibility;
+            command.name = oneOf({"allowed", "not-allowed"}, "\"allowed\" or \"not-allowed\"");
+        } else if (verb == "answer") {
+            command.kind = Kind::answerPrompt;
+            in.word("prompt", "\"prompt\", a browser, and \"allow\" or \"deny\"");
+            command.program = browser();
+            command.name = oneOf({"allow", "deny"}, "\"allow\" or \"deny\"");
+        } else if (verb == "about") {
+            needRunning(verb);
+            command.kind = Kind::about;
+        } else {
+            needRunning(verb);
+            command.kind = Kind::setup;
+            if (in.accept("allow")) {
+                command.kind = Kind::setupPress;
+                command.program = browser();
+            } else if (in.accept("accessibility")) {
+                command.kind = Kind::setupPress;
+            } else if (in.accept("close")) {
+                command.kind = Kind::setupClose;
+            } else if (!in.done()) {
+                expect("\"allow\" and a browser, \"accessibility\" or \"close\"");
+            }
+        }
     }
 
     void parseClock(Cursor& in, ScenarioCommand& command) {

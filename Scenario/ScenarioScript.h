@@ -81,6 +81,16 @@ struct ScenarioCommand final {
         editRule,         ///< site (empty: the defaults for new sites), others: the control and its value
         removeDayOff,     ///< name
         clearHistory,
+        // Setup and About: what is installed and allowed, and the two windows.
+        install,        ///< program
+        uninstall,      ///< program
+        permission,     ///< program; name: "allowed", "denied" or "not-asked"
+        accessibility,  ///< name: "allowed" or "not-allowed"
+        setup,          ///< shows the setup window
+        setupPress,     ///< program: that browser's row; empty: the Accessibility row
+        setupClose,
+        answerPrompt,   ///< program; name: "allow" or "deny"
+        about,
     };
 
     Kind kind = Kind::show;

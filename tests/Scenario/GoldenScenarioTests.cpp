@@ -74,6 +74,10 @@ TEST(GoldenScenario, ARestartWithinTwoSecondsOfTheSessionStartKeepsTheSession) {
 
 TEST(GoldenScenario, TheLastBrowserQuitting) { expectGolden("last-browser-quits"); }
 
+// The setup window at the start, its buttons, the system's prompts, and the
+// About page; on later starts the window comes back only for a lost permission.
+TEST(GoldenScenario, TheSetupWindowAndTheAboutPage) { expectGolden("setup-and-about"); }
+
 TEST(GoldenScenario, TheBuiltInDayTellsItsStory) {
     TempFolder data;
     Played played = play(std::string(builtInScenario), "built-in scenario", data.path());
