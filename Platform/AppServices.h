@@ -91,6 +91,10 @@ public:
     /// Ends the process's run: the delegate's termination runs, then the run
     /// loop stops.
     virtual void terminate() = 0;
+    /// A text of the main bundle's information ("CFBundleShortVersionString",
+    /// "CFBundleVersion"); nothing when the program runs unbundled or the
+    /// bundle has no such text.
+    virtual std::optional<std::string> infoDictionaryText(const std::string& key) = 0;
     /// Calls `handler` on the main thread each time the program becomes the
     /// active application, until the observation is destroyed.
     [[nodiscard]] virtual std::unique_ptr<NotificationObservation> observeDidBecomeActive(

@@ -40,6 +40,8 @@ public:
         Log::plain(log_, informativeText);
     }
     void terminate() override { terminated = true; }
+    /// The Linux program runs unbundled.
+    std::optional<std::string> infoDictionaryText(const std::string&) override { return std::nullopt; }
 
     bool terminated = false;
     SimNotificationCenter becomeActive;

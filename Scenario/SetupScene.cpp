@@ -115,8 +115,11 @@ void SetupScene::printSetup() {
 }
 
 void SetupScene::printAbout() {
-    // The Linux program has no bundle, so no version of its own.
-    AboutPage page = AboutPage::make(std::nullopt, std::nullopt);
+    // Opened as the menu's "About Drabwise" opens it; the Linux program has
+    // no bundle, so no version of its own.
+    if (!delegate_) throw SceneFailure{"the About window opens from the running program"};
+    delegate_->aboutWindow().show();
+    const AboutPage& page = delegate_->aboutWindow().page();
     out_ << "  " << AboutPage::windowTitle << "\n    " << AboutPage::name << "\n    " << AboutPage::tagline << "\n    "
          << page.version << "\n    " << page.opening << "\n";
     for (const AboutPage::Section& section : page.sections) {

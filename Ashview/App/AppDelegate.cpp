@@ -17,6 +17,7 @@ AppDelegate::AppDelegate(Services services) : services_(services) {
                               services_.application,
                               services_.views},
         SetupModel::installedCatalog(desktop.workspace));
+    aboutWindow_ = std::make_unique<AboutWindow>(services_.application, services_.views);
 }
 
 AppDelegate::~AppDelegate() = default;
@@ -61,7 +62,7 @@ void AppDelegate::makeShell() {
         [this](const std::optional<SiteRule>& site) { settingsWindow_->show(site); },
         [this] { setupWindow_->show(); },
         [this] { settingsWindow_->showStats(); },
-        [] {},
+        [this] { aboutWindow_->show(); },
     };
     statusMenu_ = std::make_unique<StatusMenu>(*controller_, *apps_, services_.loginItems, desktop.loop,
                                                services_.errors, std::move(actions));

@@ -7,6 +7,7 @@
 // Main thread only; made once per process and never launched twice.
 #pragma once
 
+#include "Ashview/Shell/AboutWindow.h"
 #include "Ashview/Shell/SettingsWindow.h"
 #include "Ashview/Shell/SetupWindow.h"
 #include "Ashview/Shell/StatusMenu.h"
@@ -98,6 +99,7 @@ public:
     StatusMenu* statusMenu() const { return statusMenu_.get(); }
     SettingsWindow* settingsWindow() const { return settingsWindow_.get(); }
     SetupWindow& setupWindow() { return *setupWindow_; }
+    AboutWindow& aboutWindow() { return *aboutWindow_; }
 
 private:
     void moveLegacyDataFolder(const std::filesystem::path& to);
@@ -109,6 +111,7 @@ private:
 
     Services services_;
     std::unique_ptr<SetupWindow> setupWindow_;
+    std::unique_ptr<AboutWindow> aboutWindow_;
     std::optional<RuleStore> store_;
     bool running_ = false;
     // The controller goes first at destruction: it lets go of the monitors.

@@ -81,6 +81,13 @@ public:
         alerts.push_back(Alert{message, informativeText});
     }
     void terminate() override { ++terminations; }
+    std::optional<std::string> infoDictionaryText(const std::string& key) override {
+        auto found = info.find(key);
+        if (found == info.end()) return std::nullopt;
+        return found->second;
+    }
+    /// The main bundle's information; empty, as for a program run unbundled.
+    std::map<std::string, std::string> info;
     std::unique_ptr<NotificationObservation> observeDidBecomeActive(std::function<void()> handler) override {
         return becomeActive.observe("NSApplicationDidBecomeActiveNotification", std::move(handler));
     }

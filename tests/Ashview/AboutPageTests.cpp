@@ -1,5 +1,9 @@
 #include "Ashview/Shell/AboutPage.h"
 
+#include "Ashview/Shell/AboutWindow.h"
+#include "Platform/Sim/SimAppServices.h"
+#include "Scenario/HeadlessViews.h"
+
 #include <gtest/gtest.h>
 
 namespace ashview {
@@ -17,6 +21,19 @@ TEST(AboutPage, TheVersionLineForEachBundle) {
         {"1.4", std::nullopt, "Version 1.4 (1)"},
     };
     for (const Case& test : cases) EXPECT_EQ(AboutPage::make(test.shortVersion, test.build).version, test.text);
+
+    // The window reads the version from the bundle it runs from.
+    SimApplicationShell application;
+    application.info = {{"CFBundleShortVersionString", "2.0"}, {"CFBundleVersion", "31"}};
+    HeadlessViews views;
+    AboutWindow window(application, views);
+    EXPECT_EQ(window.page().version, "Version 2.0 (31)");
+    window.show();
+    window.show();
+    ASSERT_NE(views.about, nullptr);
+    EXPECT_EQ(views.about->title, "About Drabwise");
+    EXPECT_EQ(views.about->presentations, 2);
+    EXPECT_EQ(application.activations, 2);
 }
 
 TEST(AboutPage, EveryStudyAndCitationLinksToItsDoi) {
