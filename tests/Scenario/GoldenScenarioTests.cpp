@@ -78,6 +78,8 @@ TEST(GoldenScenario, TheLastBrowserQuitting) { expectGolden("last-browser-quits"
 // About page; on later starts the window comes back only for a lost permission.
 TEST(GoldenScenario, TheSetupWindowAndTheAboutPage) { expectGolden("setup-and-about"); }
 
+TEST(GoldenScenario, ANewUsersFirstMorning) { expectGolden("new-user"); }
+
 TEST(GoldenScenario, TheBuiltInDayTellsItsStory) {
     TempFolder data;
     Played played = play(std::string(builtInScenario), "built-in scenario", data.path());
