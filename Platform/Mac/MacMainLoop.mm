@@ -4,6 +4,7 @@
 #include "Platform/Mac/MacAdapters.h"
 #include "Platform/Mac/MacConversions.h"
 
+#include <algorithm>
 #include <stdexcept>
 
 namespace ashview {
@@ -89,6 +90,15 @@ public:
                                                              if (body) body();
                                                            }];
         return std::make_shared<RepeatingTask>(state, timer);
+    }
+
+    void runInBackground(std::function<void()> work, std::function<void()> done) override {
+        dispatch_async(dispatch_get_global_queue(QOS_CLASS_USER_INITIATED, 0), ^{
+          work();
+          dispatch_async(dispatch_get_main_queue(), ^{
+            done();
+          });
+        });
     }
 };
 
