@@ -11,13 +11,13 @@ class MacOpenPanel final : public OpenPanel {
 public:
     OpenPanelResult runModal(const OpenPanelSettings& settings) override {
         NSOpenPanel* panel = [NSOpenPanel openPanel];
-        panel.directoryURL = mac::fileURL(settings.directory);
+        if (!settings.directory.empty()) panel.directoryURL = mac::fileURL(settings.directory);
         if (settings.applicationsOnly) panel.allowedContentTypes = @[ UTTypeApplication ];
         panel.canChooseFiles = YES;
         panel.canChooseDirectories = settings.canChooseDirectories;
         panel.allowsMultipleSelection = settings.allowsMultipleSelection;
-        panel.prompt = mac::nsString(settings.prompt);
-        panel.message = mac::nsString(settings.message);
+        if (!settings.prompt.empty()) panel.prompt = mac::nsString(settings.prompt);
+        if (!settings.message.empty()) panel.message = mac::nsString(settings.message);
         OpenPanelResult result;
         result.response = static_cast<long>([panel runModal]);
         result.path = mac::path(panel.URL);

@@ -103,10 +103,10 @@ public:
 std::unique_ptr<Workspace> makeMacWorkspace() { return std::make_unique<MacWorkspace>(); }
 
 std::vector<unsigned char> macIconPNG(const AppIcon& icon, int pixels) {
-    auto* mac = dynamic_cast<const MacIcon*>(&icon);
-    if (!mac || pixels <= 0) return {};
+    auto* macIcon = dynamic_cast<const MacIcon*>(&icon);
+    if (!macIcon || pixels <= 0) return {};
     NSRect frame = NSMakeRect(0, 0, pixels, pixels);
-    CGImageRef image = [mac->image CGImageForProposedRect:&frame context:nil hints:nil];
+    CGImageRef image = [macIcon->image CGImageForProposedRect:&frame context:nil hints:nil];
     if (!image) return {};
     NSBitmapImageRep* bitmap = [[NSBitmapImageRep alloc] initWithCGImage:image];
     NSData* png = [bitmap representationUsingType:NSBitmapImageFileTypePNG properties:@{}];
