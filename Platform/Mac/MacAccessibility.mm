@@ -64,7 +64,7 @@ public:
     bool isProcessTrusted() override { return AXIsProcessTrusted(); }
 
     void promptForTrust() override {
-        NSDictionary* options = @{(__bridge NSString*)kAXTrustedCheckOptionPrompt : @YES};
+        NSDictionary* options = @{(__bridge NSString*)kAXTrustedCheckOptionPrompt : @(YES)};
         AXIsProcessTrustedWithOptions((__bridge CFDictionaryRef)options);
     }
 

@@ -64,7 +64,7 @@ public:
     }
 
     void compile(CompiledScript& script) override {
-        [static_cast<MacScript&>(script).script compileAndReturnError:nil];
+        [static_cast<MacScript&>(script).script compileAndReturnError:nullptr];
     }
 
     // Blocks the main thread until the script returns; its `with timeout`
@@ -72,7 +72,7 @@ public:
     ScriptOutcome execute(CompiledScript& script) override {
         NSDictionary<NSString*, id>* error = nil;
         NSAppleEventDescriptor* reply = [static_cast<MacScript&>(script).script executeAndReturnError:&error];
-        if (error || !reply) return ScriptError{mac::integer(error[NSAppleScriptErrorNumber])};
+        if (error || !reply) return ScriptError{mac::integer([error objectForKey:NSAppleScriptErrorNumber])};
         return value(reply);
     }
 

@@ -8,14 +8,14 @@
 // notifications while the application is not active, which an accessory
 // application almost never is, so the observer asks for immediate delivery,
 // which only the selector form of registration offers.
-@interface DrabwiseDistributedObserver : NSObject
+@interface DrabwiseDistributedObserver : NSObject {
+    void (^_body)(void);
+}
 - (instancetype)initWithBody:(void (^)(void))body;
 - (void)notified:(NSNotification*)notification;
 @end
 
-@implementation DrabwiseDistributedObserver {
-    void (^_body)(void);
-}
+@implementation DrabwiseDistributedObserver
 - (instancetype)initWithBody:(void (^)(void))body {
     if ((self = [super init])) _body = [body copy];
     return self;

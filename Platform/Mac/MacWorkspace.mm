@@ -66,7 +66,7 @@ public:
         return std::make_unique<mac::Observation>(
             NSWorkspace.sharedWorkspace.notificationCenter, notificationName(event),
             [handler = std::move(handler)](NSNotification* notification) {
-                id app = notification.userInfo[NSWorkspaceApplicationKey];
+                id app = [notification.userInfo objectForKey:NSWorkspaceApplicationKey];
                 if ([app isKindOfClass:NSRunningApplication.class])
                     handler(running(app));
                 else
