@@ -24,6 +24,10 @@ public:
     // of the loop, so the program's termination handlers run first.
     void terminate() override { [NSApp terminate:nil]; }
 
+    std::optional<std::string> infoDictionaryText(const std::string& key) override {
+        return mac::optionalString([NSBundle.mainBundle objectForInfoDictionaryKey:mac::nsString(key)]);
+    }
+
     std::unique_ptr<NotificationObservation> observeDidBecomeActive(std::function<void()> handler) override {
         return std::make_unique<mac::Observation>(NSNotificationCenter.defaultCenter,
                                                   NSApplicationDidBecomeActiveNotification,
