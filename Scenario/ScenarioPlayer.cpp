@@ -58,13 +58,18 @@ struct LineFailure {
 }  // namespace
 
 struct ScenarioPlayer::State {
-    explicit State(Options options) : options(std::move(options)), application(this->options.log) {}
+    explicit State(Options options) : options(std::move(options)), application(this->options.log) {
+        updater.failure = "there is no updater in the Linux build";
+        loginItems.bundleIdentifier = std::nullopt;
+    }
 
     Options options;
     std::unique_ptr<SimDesktop> desktop;
     std::unique_ptr<SimApplications> apps;
-    std::unique_ptr<Updater> updater = AppServices::systemUpdater();
-    std::unique_ptr<LoginItemService> loginItems = AppServices::systemLoginItemService();
+    // The program on the simulated desktop is the Linux program on every
+    // machine: no updater, and no bundle, so no login item.
+    SimUpdater updater;
+    SimLoginItemService loginItems;
     SimUserDefaults defaults;
     PlayerApplication application;
     HeadlessViews views;
@@ -112,8 +117,8 @@ struct ScenarioPlayer::State {
     int start() {
         ::setenv("DRABWISE_DATA_DIR", options.dataDirectory.c_str(), 1);
         AppDelegate::Services services{
-            *updater,
-            *loginItems,
+            updater,
+            loginItems,
             defaults,
             application,
             views,
