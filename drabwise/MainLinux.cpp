@@ -99,6 +99,12 @@ int main(int argc, char** argv) {
             name = "standard input";
             content << std::cin.rdbuf();
         } else {
+            // A folder opens like a file here and reads as nothing at all.
+            std::error_code ignored;
+            if (std::filesystem::is_directory(*file, ignored)) {
+                std::cerr << "drabwise: cannot read " << *file << ": it is a folder\n";
+                return badUsage;
+            }
             std::ifstream in(*file, std::ios::binary);
             if (!in) {
                 std::cerr << "drabwise: cannot read " << *file << "\n";

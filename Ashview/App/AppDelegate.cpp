@@ -6,6 +6,9 @@
 #include "Ashview/App/InstanceLock.h"
 #include "Ashview/Controller/Log.h"
 #include "Ashview/App/LoginItem.h"
+#include "AshviewCore/Foundation/AtomicFile.h"
+#include "AshviewCore/Tracking/TrackerSnapshotStore.h"
+#include "AshviewCore/Usage/UsageStore.h"
 
 namespace ashview {
 
@@ -31,6 +34,7 @@ void AppDelegate::applicationDidFinishLaunching() {
         quitBecauseAnotherCopyIsRunning();
         return;
     }
+    removeLeftoverTemporaryFiles(store);
     startUpdater();
 
     const Desktop& desktop = services_.desktop;
@@ -87,6 +91,16 @@ void AppDelegate::moveLegacyDataFolder(const std::filesystem::path& to) {
         case RuleStore::FolderMove::newFolderExists:
             break;
     }
+}
+
+void AppDelegate::removeLeftoverTemporaryFiles(const RuleStore& store) {
+    if (!InstanceLock::holds(store.directory)) return;
+    std::vector<std::string> documents;
+    for (const auto& path : {store.fileURL(), store.backupURL(), TrackerSnapshotStore{store.directory}.fileURL(),
+                             UsageStore{store.directory}.fileURL()}) {
+        documents.push_back(path.filename().string());
+    }
+    AtomicFile::removeLeftovers(store.directory, documents);
 }
 
 void AppDelegate::startUpdater() {

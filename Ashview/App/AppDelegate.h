@@ -75,9 +75,10 @@ public:
     ~AppDelegate();
 
     /// Moves the older data folder (only for the normal data folder), takes
-    /// the one-copy lock, starts the updater, builds the controller (which
-    /// loads the rules) and starts it, registers the login item, and shows
-    /// the setup window when it is needed. A second copy on the same data folder
+    /// the one-copy lock, removes the temporary files of saves cut short by
+    /// a crash, starts the updater, builds the controller (which loads the
+    /// rules) and starts it, registers the login item, and shows the setup
+    /// window when it is needed. A second copy on the same data folder
     /// shows the alert, asks the application to terminate, and does nothing
     /// else: no updater, no controller.
     void applicationDidFinishLaunching();
@@ -103,6 +104,9 @@ public:
 
 private:
     void moveLegacyDataFolder(const std::filesystem::path& to);
+    /// Removes what saves cut short by a crash left in the data folder; only
+    /// while this process holds the folder's lock, so no save is under way.
+    void removeLeftoverTemporaryFiles(const RuleStore& store);
     void startUpdater();
     void quitBecauseAnotherCopyIsRunning();
     /// The settings window and the status menu, between the controller and

@@ -1,6 +1,7 @@
 #include "Ashview/App/InstanceLock.h"
 
 #include "Ashview/Controller/Log.h"
+#include "AshviewCore/Foundation/AtomicFile.h"
 
 #include <cerrno>
 #include <fcntl.h>
@@ -24,8 +25,11 @@ std::map<std::filesystem::path, std::vector<int>>& held() {
 }  // namespace
 
 bool anotherCopyIsRunning(const std::filesystem::path& folder, std::ostream& errors) {
-    std::error_code ignored;
-    std::filesystem::create_directories(folder, ignored);
+    try {
+        AtomicFile::makeFolder(folder);
+    } catch (const std::filesystem::filesystem_error&) {
+        // Opening the lock file fails then, and says so.
+    }
 
     std::filesystem::path file = folder / fileName;
     int descriptor = ::open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
@@ -48,6 +52,10 @@ bool anotherCopyIsRunning(const std::filesystem::path& folder, std::ostream& err
 }
 
 bool anotherCopyIsRunning(const std::filesystem::path& folder) { return anotherCopyIsRunning(folder, std::cerr); }
+
+bool holds(const std::filesystem::path& folder) {
+    return held().contains(std::filesystem::weakly_canonical(folder));
+}
 
 void letGo(const std::filesystem::path& folder) {
     auto found = held().find(std::filesystem::weakly_canonical(folder));

@@ -27,6 +27,9 @@ bool anotherCopyIsRunning(const std::filesystem::path& folder, std::ostream& err
 /// The same, writing to standard error.
 bool anotherCopyIsRunning(const std::filesystem::path& folder);
 
+/// Whether this process holds the lock on `folder`.
+bool holds(const std::filesystem::path& folder);
+
 /// Lets go of the lock this process holds on `folder`, as the end of the
 /// process would. For a host that plays several runs of the program in one
 /// process (the scenario player); the program itself never calls it.

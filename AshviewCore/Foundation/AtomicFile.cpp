@@ -5,6 +5,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <system_error>
 #include <vector>
 
@@ -55,19 +56,66 @@ void syncFolder(const fs::path& folder) {
     if (fd.get() >= 0) ::fsync(fd.get());
 }
 
+/// How many characters mkostemp puts in place of "XXXXXX".
+constexpr std::size_t randomLength = 6;
+
+/// The name of a temporary file of `write` for the file named `name`, with
+/// `random` standing for what mkostemp fills in.
+std::string temporaryName(const std::string& name, std::string_view random) {
+    return "." + name + "." + std::string(random);
+}
+
+/// Whether `name` is one that mkostemp makes from the pattern of `file`.
+bool isTemporaryOf(std::string_view name, const std::string& file) {
+    std::string prefix = temporaryName(file, "");
+    if (name.size() != prefix.size() + randomLength || !name.starts_with(prefix)) return false;
+    return std::all_of(name.begin() + static_cast<std::ptrdiff_t>(prefix.size()), name.end(), [](char c) {
+        return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9');
+    });
+}
+
 }  // namespace
+
+void makeFolder(const fs::path& folder) {
+    std::error_code error;
+    if (folder.empty() || fs::is_directory(folder, error)) return;
+    fs::path parent = folder.parent_path();
+    if (parent != folder) makeFolder(parent);
+    if (::mkdir(folder.c_str(), 0700) != 0) {
+        int failure = errno;
+        if (failure == EEXIST && fs::is_directory(folder, error)) return;
+        fail("cannot create a folder", folder, failure);
+    }
+    // The umask may have taken the owner's own rights away.
+    ::chmod(folder.c_str(), 0700);
+}
+
+std::size_t removeLeftovers(const fs::path& folder, const std::vector<std::string>& names) {
+    std::size_t removed = 0;
+    std::error_code error;
+    for (fs::directory_iterator entry(folder, error), end; !error && entry != end; entry.increment(error)) {
+        std::string name = entry->path().filename().string();
+        bool ours = std::any_of(names.begin(), names.end(), [&](const std::string& file) {
+            return isTemporaryOf(name, file);
+        });
+        std::error_code ignored;
+        bool file = entry->is_regular_file(ignored) && !entry->is_symlink(ignored);
+        if (ours && file && fs::remove(entry->path(), ignored)) ++removed;
+    }
+    return removed;
+}
 
 void write(const fs::path& path, std::string_view bytes) {
     fs::path folder = path.parent_path().empty() ? fs::path(".") : path.parent_path();
-    fs::create_directories(folder);
-    std::string pattern = (folder / ("." + path.filename().string() + ".XXXXXX")).string();
+    makeFolder(folder);
+    std::string pattern = (folder / temporaryName(path.filename().string(), "XXXXXX")).string();
     std::vector<char> name(pattern.begin(), pattern.end());
     name.push_back('\0');
     Descriptor fd(::mkostemp(name.data(), O_CLOEXEC));
     if (fd.get() < 0) fail("cannot create a temporary file", path, errno);
     fs::path temporary(name.data());
     try {
-        ::fchmod(fd.get(), 0644);
+        ::fchmod(fd.get(), 0600);
         writeAll(fd.get(), bytes, temporary);
         if (::fsync(fd.get()) != 0) fail("cannot flush", temporary, errno);
         if (fd.close() != 0) fail("cannot close", temporary, errno);

@@ -76,7 +76,11 @@ RuleStore::FolderMove RuleStore::moveLegacyFolder(const fs::path& from, const fs
     if (somethingAt(to)) return FolderMove::newFolderExists;
     std::error_code error;
     if (!fs::is_directory(from, error)) return FolderMove::noOldFolder;
-    if (to.has_parent_path()) fs::create_directories(to.parent_path(), error);
+    try {
+        AtomicFile::makeFolder(to.parent_path());
+    } catch (const fs::filesystem_error&) {
+        // The move below fails then, and says so.
+    }
     fs::rename(from, to, error);
     return error ? FolderMove::failed : FolderMove::moved;
 }
@@ -131,7 +135,7 @@ RuleSet RuleStore::load() const {
 void RuleStore::save(const RuleSet& rules) const {
     RuleSet snapshot = rules.savingSnapshot();
     snapshot.validate();
-    fs::create_directories(directory);
+    AtomicFile::makeFolder(directory);
     AtomicFile::write(fileURL(), RulesDocument::encode(snapshot));
 }
 

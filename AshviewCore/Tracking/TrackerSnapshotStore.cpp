@@ -7,7 +7,7 @@
 namespace ashview {
 
 void TrackerSnapshotStore::save(const TrackerSnapshot& snapshot) const {
-    std::filesystem::create_directories(directory);
+    AtomicFile::makeFolder(directory);
     AtomicFile::write(fileURL(), Json::encode(snapshot.toJson()));
 }
 

@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+#include <sys/stat.h>
+
 namespace ashview {
 namespace {
 
@@ -72,11 +74,24 @@ TEST(Json, RejectsBrokenBytesAndProbesOnlyTheVersion) {
 }
 
 TEST(AtomicFile, ReplacesWholeFilesAndLeavesNothingBehindOnFailure) {
+    namespace fs = std::filesystem;
     TempFolder folder;
-    auto path = folder.path() / "deep" / "file.json";
+    auto path = folder.path() / "deep" / "er" / "file.json";
+    fs::create_directory(folder.path() / "shared");
+    fs::permissions(folder.path() / "shared", fs::perms::all);
+    mode_t umask = ::umask(0);
     AtomicFile::write(path, "first");
     AtomicFile::write(path, "second");
+    AtomicFile::write(folder.path() / "shared" / "file.json", "x");
+    ::umask(umask);
     EXPECT_EQ(AtomicFile::read(path), "second");
+    // The owner's alone, whatever the umask; a folder that was there keeps its mode.
+    for (const fs::path& made : {path.parent_path().parent_path(), path.parent_path()}) {
+        EXPECT_EQ(fs::status(made).permissions(), fs::perms::owner_all) << made;
+    }
+    EXPECT_EQ(fs::status(path).permissions(), fs::perms::owner_read | fs::perms::owner_write);
+    EXPECT_EQ(fs::status(folder.path() / "shared").permissions(), fs::perms::all);
+    fs::remove_all(folder.path() / "shared");
     EXPECT_EQ(AtomicFile::read(path, 3), std::nullopt);
     EXPECT_EQ(AtomicFile::read(folder.path() / "missing"), std::nullopt);
     EXPECT_EQ(AtomicFile::read(folder.path()), std::nullopt);
@@ -87,6 +102,24 @@ TEST(AtomicFile, ReplacesWholeFilesAndLeavesNothingBehindOnFailure) {
     auto entries = std::distance(std::filesystem::directory_iterator(folder.path()),
                                  std::filesystem::directory_iterator());
     EXPECT_EQ(entries, 2);  // "deep" and "blocked", no temporary file
+}
+
+TEST(AtomicFile, RemovesOnlyTheTemporaryFilesOfTheNamedDocuments) {
+    TempFolder folder;
+    const std::pair<const char*, bool> cases[] = {
+        {".rules.json.Ab9xZ0", true},  {".history.json.000000", true}, {".rules.json.Ab9xZ", false},
+        {".rules.json.Ab9xZ00", false}, {".rules.json.Ab-xZ0", false}, {".notes.json.Ab9xZ0", false},
+        {"rules.json", false},          {".drabwise.lock", false},     {"rules.json.Ab9xZ0", false},
+    };
+    for (const auto& [name, removed] : cases) AtomicFile::write(folder.path() / name, "x");
+    std::filesystem::create_directory(folder.path() / ".history.json.folder");
+    std::filesystem::create_symlink("rules.json", folder.path() / ".history.json.linked");
+
+    EXPECT_EQ(AtomicFile::removeLeftovers(folder.path(), {"rules.json", "history.json"}), 2u);
+    for (const auto& [name, gone] : cases) EXPECT_EQ(std::filesystem::exists(folder.path() / name), !gone) << name;
+    EXPECT_TRUE(std::filesystem::is_directory(folder.path() / ".history.json.folder"));
+    EXPECT_TRUE(std::filesystem::is_symlink(folder.path() / ".history.json.linked"));
+    EXPECT_EQ(AtomicFile::removeLeftovers(folder.path() / "missing", {"rules.json"}), 0u);
 }
 
 }  // namespace
