@@ -197,8 +197,10 @@ void GrayController::saveCounts() {
     try {
         snapshotStore_.save(tracker_.snapshot(loop_.now(), browsers_.sessionStart()));
         lastSnapshot_ = loop_.now();
+        if (std::exchange(countsSaveFailing_, false)) log("saving counts works again");
     } catch (const std::exception&) {
-        log("could not save counts");
+        // Tried again at every full pass: only the first of a run is told.
+        if (!std::exchange(countsSaveFailing_, true)) log("could not save counts");
     }
     usage_.saveIfChanged();
 }

@@ -234,6 +234,8 @@ private:
     std::map<std::int64_t, std::shared_ptr<OverlayWindow>> overlays_;
     bool readScheduled_ = false;
     Instant lastSnapshot_ = Instant::distantPast();
+    /// True from a failed save of the counters to the next successful one.
+    bool countsSaveFailing_ = false;
     std::vector<std::unique_ptr<NotificationObservation>> observations_;
 };
 

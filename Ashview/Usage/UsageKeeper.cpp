@@ -68,8 +68,9 @@ void UsageKeeper::saveIfChanged() {
     try {
         store_.save(recorder_.history());
         recorder_.markSaved();
+        if (std::exchange(saveFailing_, false)) log_("saving the usage history works again");
     } catch (const std::exception&) {
-        log_("could not save the usage history");
+        if (!std::exchange(saveFailing_, true)) log_("could not save the usage history");
     }
 }
 

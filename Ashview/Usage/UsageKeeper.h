@@ -54,8 +54,11 @@ public:
     /// `problem` is set.
     void clearHistory();
     /// Writes the history when `problem` is absent and something changed
-    /// since the last write. On failure logs "could not save the usage
-    /// history" and keeps the changes marked, so the next call tries again.
+    /// since the last write. On failure keeps the changes marked, so the
+    /// next call tries again. Of a run of failures only the first is logged,
+    /// "could not save the usage history", and the first success after it
+    /// logs "saving the usage history works again": a disk that keeps
+    /// refusing does not flood the log.
     void saveIfChanged();
 
     const std::optional<Problem>& problem() const { return problem_; }
@@ -71,6 +74,8 @@ private:
     UsageStore store_;
     UsageRecorder recorder_;
     bool poweringOff_ = false;
+    /// True from a failed save to the next successful one.
+    bool saveFailing_ = false;
     MainLoop& loop_;
     SystemNotificationCenter& workspace_;
     const Log& log_;

@@ -19,11 +19,13 @@ UsageStoreError UsageStoreError::newerSchema(std::int64_t found) {
 
 namespace {
 
-/// True when `path` exists; throws when that cannot even be found out.
+/// True when `path` exists; throws when that cannot even be found out. A
+/// path under something that is no folder names nothing, like any other
+/// missing file.
 bool isPresent(const fs::path& path) {
     std::error_code error;
     fs::file_status status = fs::symlink_status(path, error);
-    if (error && error != std::errc::no_such_file_or_directory) {
+    if (error && error != std::errc::no_such_file_or_directory && error != std::errc::not_a_directory) {
         throw fs::filesystem_error("cannot look at the usage history", path, error);
     }
     return fs::exists(status);
@@ -54,7 +56,7 @@ UsageStore::Loaded UsageStore::load() const {
 }
 
 void UsageStore::save(const UsageHistory& history) const {
-    fs::create_directories(directory);
+    AtomicFile::makeFolder(directory);
     AtomicFile::write(fileURL(), Json::encode(history.toJson()));
 }
 

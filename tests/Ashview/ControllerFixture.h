@@ -28,9 +28,10 @@ protected:
     /// only when a test moves it.
     ControllerTest() { apps.setScriptTime(0); }
 
-    GrayController& make() {
+    /// A controller over `directory`, by default the test's own folder.
+    GrayController& make(const std::filesystem::path& directory = {}) {
         controller = std::make_unique<GrayController>(
-            RuleStore(folder.path()),
+            RuleStore(directory.empty() ? folder.path() : directory),
             GrayController::Services{desktop.mainLoop(), desktop.windowServer(), desktop.overlayWindows(), workspace,
                                      distributed, browsers, appMonitor, out});
         controller->onRead = [this] { ++fullPasses; };

@@ -5,6 +5,11 @@
 
 #include <gtest/gtest.h>
 
+#include <linux/capability.h>
+#include <map>
+#include <sys/syscall.h>
+#include <unistd.h>
+
 namespace ashview {
 namespace {
 
@@ -120,11 +125,12 @@ TEST_F(ControllerTest, CountersAreSavedEveryFiveMinutesAndOnceMoreBeforeTheOverl
     fs::create_directory(snapshotFile());  // the save will fail
     advance(300);
     controller->read();
-    EXPECT_EQ(takeLines(), (Lines{"could not save counts"}));
+    controller->read();
+    EXPECT_EQ(takeLines(), (Lines{"could not save counts"})) << "the first failure of a run only";
     fs::remove(snapshotFile());
     controller->read();
-    EXPECT_TRUE(takeLines().empty());
-    EXPECT_EQ(savedAt(), desktop.clock().now()) << "retried on the very next pass";
+    EXPECT_EQ(takeLines(), (Lines{"saving counts works again"}));
+    EXPECT_EQ(savedAt(), desktop.clock().now()) << "retried on every pass";
 
     listSite("news.example");
     std::int64_t second = open("news.example", Rect{500, 0, 400, 400});
@@ -224,28 +230,169 @@ TEST_F(ControllerTest, CommandsTakeEffectAtOnce) {
     EXPECT_EQ(make().rules().sites, std::vector<SiteRule>{*mail});
 }
 
-TEST_F(ControllerTest, ARulesFileOfANewerVersionIsNeverWritten) {
-    std::string newer = R"({"schemaVersion": 9, "sites": "whatever"})";
-    AtomicFile::write(folder.path() / "rules.json", newer);
-    start();
-    EXPECT_EQ(controller->rulesProblem(), GrayController::RulesProblem::needsNewerApp);
-    std::optional<SiteRule> added = controller->addSite("news.example");
-    ASSERT_TRUE(added.has_value());
-    EXPECT_EQ(controller->rules().sites.size(), 1u) << "works in memory";
-    controller->setPin(SitePin::grayThisSite, *added);
-    controller->removeSite(*added);
-    controller->stop();
-    EXPECT_EQ(AtomicFile::read(folder.path() / "rules.json"), newer);
-    EXPECT_FALSE(fs::exists(folder.path() / "rules.json.bak"));
-    EXPECT_TRUE(fs::exists(snapshotFile())) << "the counters are kept as usual";
+/// While alive, file permissions bind this thread also when it runs as root:
+/// the capabilities that override them leave its effective set.
+class PermissionsBind final {
+public:
+    PermissionsBind() { set(false); }
+    ~PermissionsBind() { set(true); }
+    PermissionsBind(const PermissionsBind&) = delete;
+    PermissionsBind& operator=(const PermissionsBind&) = delete;
 
-    controller.reset();
-    AtomicFile::write(folder.path() / "rules.json", "{ not json");
-    make();
-    EXPECT_EQ(controller->rulesProblem(), GrayController::RulesProblem::unreadable);
-    EXPECT_EQ(controller->rules(), RuleSet::fresh());
-    controller->addSite("news.example");
-    EXPECT_EQ(AtomicFile::read(folder.path() / "rules.json"), "{ not json");
+private:
+    static void set(bool override) {
+        __user_cap_header_struct header{_LINUX_CAPABILITY_VERSION_3, 0};
+        __user_cap_data_struct data[2]{};
+        if (::syscall(SYS_capget, &header, data) != 0) return;
+        for (unsigned cap : {CAP_DAC_OVERRIDE, CAP_DAC_READ_SEARCH}) {
+            std::uint32_t bit = 1u << (cap % 32);
+            __user_cap_data_struct& word = data[cap / 32];
+            word.effective = override ? word.effective | (word.permitted & bit) : word.effective & ~bit;
+        }
+        ::syscall(SYS_capset, &header, data);
+    }
+};
+
+/// What stands at `path`: for each entry of a folder (or the file itself,
+/// under ""), its bytes, or what it holds when it is a folder.
+std::map<std::string, std::string> standing(const fs::path& path) {
+    auto describe = [](const fs::path& at) {
+        if (fs::is_directory(at)) return "a folder holding " + AtomicFile::read(at / "inside").value_or("nothing");
+        return AtomicFile::read(at).value_or("<unreadable>");
+    };
+    if (!fs::is_directory(path)) return {{"", describe(path)}};
+    std::map<std::string, std::string> found;
+    for (const auto& entry : fs::directory_iterator(path)) found[entry.path().filename().string()] = describe(entry);
+    return found;
+}
+
+TEST_F(ControllerTest, DamagedOrUnreachableDocumentsAreToldAndNeverWrittenOver) {
+    enum class Fault { missing, empty, garbage, wrongShape, truncated, newer, older, folder, unreadable,
+                       readOnlyFolder, folderIsAFile };
+    const std::string names[] = {"rules.json", "running.json", "history.json"};
+    constexpr int rules = 0, counters = 1, history = 2, all = -1;
+    using Rules = std::optional<GrayController::RulesProblem>;
+    using Usage = std::optional<UsageKeeper::Problem>;
+    constexpr auto newer = GrayController::RulesProblem::needsNewerApp;
+    constexpr auto unreadable = GrayController::RulesProblem::unreadable;
+    const std::string setAside =
+        "the usage history file could not be read, so it was set aside and a new history started";
+    const std::string cannotRead = "could not read the usage history file, so it is left as it is and not saved";
+    const Lines cannotSave{"could not save the usage history", "could not save counts"};
+    struct Case {
+        int document;
+        Fault fault;
+        Rules rulesProblem;
+        Usage usageProblem;
+        Lines lines;
+        /// Where the damaged thing stands afterwards, unchanged; "" for the
+        /// whole folder; nothing where the program may replace it.
+        std::optional<std::string> keptAt;
+    };
+    const std::vector<Case> cases{
+        {rules, Fault::missing, {}, {}, {}, {}},
+        {rules, Fault::empty, unreadable, {}, {}, "rules.json"},
+        {rules, Fault::garbage, unreadable, {}, {}, "rules.json"},
+        {rules, Fault::wrongShape, unreadable, {}, {}, "rules.json"},
+        {rules, Fault::truncated, unreadable, {}, {}, "rules.json"},
+        {rules, Fault::newer, newer, {}, {}, "rules.json"},
+        {rules, Fault::older, unreadable, {}, {}, "rules.json"},
+        {rules, Fault::folder, unreadable, {}, {}, "rules.json"},
+        {rules, Fault::unreadable, unreadable, {}, {}, "rules.json"},
+        // Counters are not worth bothering anyone for: read as none, then saved anew.
+        {counters, Fault::missing, {}, {}, {}, {}},
+        {counters, Fault::empty, {}, {}, {}, {}},
+        {counters, Fault::garbage, {}, {}, {}, {}},
+        {counters, Fault::wrongShape, {}, {}, {}, {}},
+        {counters, Fault::truncated, {}, {}, {}, {}},
+        {counters, Fault::newer, {}, {}, {}, {}},
+        {counters, Fault::older, {}, {}, {}, {}},
+        {counters, Fault::folder, {}, {}, {"could not save counts"}, "running.json"},
+        {counters, Fault::unreadable, {}, {}, {}, {}},
+        {history, Fault::missing, {}, {}, {}, {}},
+        {history, Fault::empty, {}, {}, {setAside}, "history.json.broken"},
+        {history, Fault::garbage, {}, {}, {setAside}, "history.json.broken"},
+        {history, Fault::wrongShape, {}, {}, {setAside}, "history.json.broken"},
+        {history, Fault::truncated, {}, {}, {setAside}, "history.json.broken"},
+        {history, Fault::newer, {}, UsageKeeper::Problem::needsNewerApp,
+         {"the usage history file is from a newer version, so it is left as it is and not saved"}, "history.json"},
+        {history, Fault::older, {}, {}, {setAside}, "history.json.broken"},
+        {history, Fault::folder, {}, UsageKeeper::Problem::unreadable, {cannotRead}, "history.json"},
+        {history, Fault::unreadable, {}, UsageKeeper::Problem::unreadable, {cannotRead}, "history.json"},
+        {all, Fault::readOnlyFolder, {}, {}, cannotSave, ""},
+        {all, Fault::folderIsAFile, unreadable, {}, cannotSave, ""},
+    };
+
+    // A whole document of each kind, with something in it.
+    fs::path model = folder.path() / "model";
+    RuleSet listed = RuleSet::fresh();
+    listed.addSite("kept.example");
+    RuleStore(model).save(listed);
+    TrackerSnapshot counted;
+    counted.savedAt = desktop.clock().now();
+    counted.sites["kept.example"].sessionOpens = 2;
+    TrackerSnapshotStore{model}.save(counted);
+    UsageStore{model}.save(UsageHistory{});
+    std::vector<std::string> whole;
+    for (const std::string& name : names) whole.push_back(*AtomicFile::read(model / name));
+
+    PermissionsBind bind;
+    int number = 0;
+    for (const Case& c : cases) {
+        fs::path data = folder.path() / std::to_string(++number);
+        for (int document = 0; document < 3; ++document) AtomicFile::write(data / names[document], whole[document]);
+        fs::path file = data / (c.document == all ? "" : names[c.document]);
+        std::string version = c.document == rules ? "3" : "1";
+        switch (c.fault) {
+            case Fault::missing: fs::remove(file); break;
+            case Fault::empty: AtomicFile::write(file, ""); break;
+            case Fault::garbage: AtomicFile::write(file, "\x01\xff{ not json"); break;
+            case Fault::wrongShape:
+                AtomicFile::write(file, R"({"schemaVersion": )" + version + R"(, "sites": 7, "days": 7})");
+                break;
+            case Fault::truncated:
+                AtomicFile::write(file, whole[c.document].substr(0, whole[c.document].size() / 2));
+                break;
+            case Fault::newer: AtomicFile::write(file, R"({"schemaVersion": 99, "sites": {}, "days": {}})"); break;
+            case Fault::older: AtomicFile::write(file, R"({"schemaVersion": 0, "sites": [], "days": {}})"); break;
+            case Fault::folder:
+                fs::remove(file);
+                AtomicFile::write(file / "inside", "x");
+                break;
+            case Fault::folderIsAFile:
+                fs::remove_all(data);
+                AtomicFile::write(data, "a file");
+                break;
+            default: break;
+        }
+        std::map<std::string, std::string> before = standing(data);
+        // Rights are taken away last and given back before looking again.
+        auto lock = [&](bool locked) {
+            if (c.fault == Fault::unreadable) fs::permissions(file, locked ? fs::perms::none : fs::perms::owner_all);
+            if (c.fault == Fault::readOnlyFolder) {
+                fs::permissions(data, locked ? fs::perms::owner_read | fs::perms::owner_exec : fs::perms::owner_all);
+            }
+        };
+        lock(true);
+
+        static const char* const faults[] = {"missing", "empty", "garbage", "wrong shape", "truncated", "newer",
+                                             "older", "a folder", "unreadable", "read-only folder", "folder is a file"};
+        std::string name = (c.document == all ? "" : names[c.document] + " ") + faults[static_cast<int>(c.fault)];
+        make(data);
+        EXPECT_TRUE(controller->addSite("news.example")) << name << ": the program runs on, in memory at least";
+        controller->stop();
+        EXPECT_EQ(controller->rulesProblem(), c.rulesProblem) << name;
+        EXPECT_EQ(controller->usage().problem(), c.usageProblem) << name;
+        EXPECT_EQ(takeLines(), c.lines) << name;
+        controller.reset();
+        lock(false);
+        std::map<std::string, std::string> after = standing(data);
+        if (c.keptAt == "") {
+            EXPECT_EQ(after, before) << name;
+        } else if (c.keptAt) {
+            EXPECT_EQ(after[*c.keptAt], before[names[c.document]]) << name;
+        }
+    }
 }
 
 }  // namespace
