@@ -20,25 +20,44 @@ constexpr std::array<bool, 256> plainBytes = [] {
     return plain;
 }();
 
+/// Whether `host` and each of its labels are short enough for DNS.
+bool fitsNames(std::string_view host) {
+    if (host.size() > maxLength) return false;
+    std::size_t label = 0;
+    for (char c : host) {
+        label = c == '.' ? 0 : label + 1;
+        if (label > maxLabelLength) return false;
+    }
+    return true;
+}
+
+std::optional<std::string> withoutTrailingDots(std::string text) {
+    while (!text.empty() && text.back() == '.') text.pop_back();
+    if (text.empty()) return std::nullopt;
+    return text;
+}
+
 }  // namespace
 
 bool isPlainHost(std::string_view text) {
     if (text.empty() || text.back() == '.') return false;
     bool plain = true;
     for (char c : text) plain &= plainBytes[static_cast<unsigned char>(c)];
-    return plain;
+    return plain && fitsNames(text);
 }
 
 std::optional<std::string> normalize(std::string_view text) {
     // Trimming and case mapping leave such text as it is, and as the authority
     // of an address it is read back whole as the host.
     if (isPlainHost(text)) return std::string(text);
-    std::string candidate = Text::lowercased(Text::trimmed(text));
-    while (!candidate.empty() && candidate.back() == '.') candidate.pop_back();
-    if (candidate.empty()) return std::nullopt;
-    if (candidate.find(' ') != std::string::npos) return std::nullopt;
-    if (candidate.find("://") == std::string::npos) candidate.insert(0, "https://");
-    return Url::host(candidate);
+    std::optional<std::string> candidate = withoutTrailingDots(Text::lowercased(Text::trimmed(text)));
+    if (!candidate || candidate->find(' ') != std::string::npos) return std::nullopt;
+    if (candidate->find("://") == std::string::npos) candidate->insert(0, "https://");
+    // The host of an address may end in a dot of its own ("example.com.").
+    std::optional<std::string> host = Url::host(*candidate);
+    if (host) host = withoutTrailingDots(std::move(*host));
+    if (!host || !fitsNames(*host)) return std::nullopt;
+    return host;
 }
 
 bool matches(std::string_view host, std::string_view rule) {

@@ -43,8 +43,21 @@ TEST(Host, NormalizeReducesAnAddressToItsLowerCaseHost) {
         {" \t\n", std::nullopt},
         {"https://", std::nullopt},
         {"bad\xff\xfehost.com", std::nullopt},
+        {"https://Example.com.:8080/", "example.com"},
     };
     for (const auto& [text, host] : cases) EXPECT_EQ(Host::normalize(text), host) << text;
+    // As long as DNS allows: 253 in all, 63 to a label; plain or in an address.
+    const std::string label(63, 'a');
+    const std::string longest = label + "." + label + "." + label + "." + std::string(61, 'b');
+    for (const std::string& fits : {label + ".com", longest}) {
+        EXPECT_EQ(Host::normalize(fits), fits);
+        EXPECT_EQ(Host::normalize("https://" + fits + "./"), fits);
+    }
+    for (const std::string& tooLong : {label + "a.com", longest + "b", std::string(1 << 20, 'a')}) {
+        EXPECT_FALSE(Host::isPlainHost(tooLong));
+        EXPECT_EQ(Host::normalize(tooLong), std::nullopt);
+        EXPECT_EQ(Host::normalize("https://" + tooLong + "/"), std::nullopt);
+    }
     EXPECT_TRUE(Host::matches("news.example.com", "example.com"));
     EXPECT_FALSE(Host::matches("badexample.com", "example.com"));
     EXPECT_FALSE(Host::matches("example.com", "news.example.com"));
