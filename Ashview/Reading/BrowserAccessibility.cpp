@@ -16,6 +16,7 @@ void BrowserAccessibility::stop() {
 
 void BrowserAccessibility::start(std::int32_t pid) {
     stop();
+    pid_ = pid;
     if (!accessibility_->isProcessTrusted()) return;
     // The observer is owned here, so its callback never outlives this object.
     auto made = accessibility_->createObserver(

@@ -15,6 +15,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace ashview {
@@ -35,11 +36,14 @@ public:
 
     /// Sets the observer up anew for process `pid`: any earlier one is taken
     /// off the run loop first. Afterwards `hasObserver()` tells whether it
-    /// worked; it does not while this program is not trusted.
+    /// worked; it does not while this program is not trusted. `pid()` is
+    /// `pid` either way.
     void start(std::int32_t pid);
     /// Takes the observer off the run loop and drops it.
     void stop();
     bool hasObserver() const { return observer_ != nullptr; }
+    /// The process of the last `start`; nothing before the first.
+    std::optional<std::int32_t> pid() const { return pid_; }
     const Browser& browser() const { return browser_; }
 
 private:
@@ -49,6 +53,7 @@ private:
     Accessibility* accessibility_;
     std::function<void(const std::string&, const std::string&)> onChange_;
     std::unique_ptr<AccessibilityObserver> observer_;
+    std::optional<std::int32_t> pid_;
 };
 
 }  // namespace ashview

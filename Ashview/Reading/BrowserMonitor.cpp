@@ -75,8 +75,15 @@ void BrowserMonitor::start() {
 }
 
 void BrowserMonitor::browserStarted(const Browser& browser) {
-    if (observers_.count(browser.bundleID)) return;
     std::optional<RunningApplication> instance = runningInstance(browser);
+    if (auto known = observers_.find(browser.bundleID); known != observers_.end()) {
+        // Seen already, unless it quit and started again within the quit
+        // check: then only its watcher follows it to the new process.
+        if (!instance || known->second->pid() == instance->processIdentifier) return;
+        known->second->start(instance->processIdentifier);
+        change(browser.name + " is open");
+        return;
+    }
     if (!instance) return;
     std::weak_ptr<BrowserMonitor*> weak = self_;
     auto watcher = std::make_unique<BrowserAccessibility>(
@@ -95,10 +102,12 @@ void BrowserMonitor::browserStarted(const Browser& browser) {
 }
 
 void BrowserMonitor::browserQuit(const Browser& browser) {
-    if (auto found = observers_.find(browser.bundleID); found != observers_.end()) {
-        found->second->stop();
-        observers_.erase(found);
-    }
+    // A browser not seen running, or whose quit was told already, is not
+    // told again: two quick quits of its instances give one.
+    auto found = observers_.find(browser.bundleID);
+    if (found == observers_.end()) return;
+    found->second->stop();
+    observers_.erase(found);
     readings_.erase(browser.bundleID);
     std::erase(notAllowed_, browser);
     std::vector<std::pair<Browser, RunningApplication>> stillRunning = running();
@@ -106,7 +115,8 @@ void BrowserMonitor::browserQuit(const Browser& browser) {
     for (const auto& [other, app] : stillRunning) live.insert(app.processIdentifier);
     std::erase_if(allowed_, [&](std::int32_t pid) { return !live.count(pid); });
     if (onBrowserQuit) onBrowserQuit(browser);
-    if (stillRunning.empty()) {
+    // The session ends once, also when the last two browsers quit together.
+    if (stillRunning.empty() && sessionStart_) {
         sessionStart_.reset();
         if (onSessionEnd) onSessionEnd();
     }
@@ -130,7 +140,11 @@ void BrowserMonitor::read() {
 
     std::vector<Browser> refused;
     for (const auto& [browser, app] : running()) {
-        if (auto found = observers_.find(browser.bundleID); found != observers_.end() && !found->second->hasObserver())
+        // Permission given since, or a browser that started again in a new
+        // process, gets its watcher now.
+        if (auto found = observers_.find(browser.bundleID);
+            found != observers_.end() &&
+            (!found->second->hasObserver() || found->second->pid() != app.processIdentifier))
             found->second->start(app.processIdentifier);
         if (probe_.isCoolingDown(app)) continue;
 

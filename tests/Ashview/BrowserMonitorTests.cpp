@@ -181,10 +181,15 @@ TEST_F(BrowserMonitorTest, QuitCountsOnlyWhenNoInstanceIsLeftAfterOneSecond) {
     EXPECT_EQ(monitor.runningInstance(browser(chrome))->processIdentifier, old);
     apps.quit(old);
     EXPECT_EQ(monitor.runningInstance(browser(chrome))->processIdentifier, young);
-    // Quit and relaunch within the second.
+    monitor.read();
+    EXPECT_EQ(monitor.observer(chrome)->pid(), young) << "Accessibility follows the instance that counts";
+    // Quit and relaunch within the second: the new process is watched at once.
     apps.quit(young);
     desktop.clock().advance(0.5);
+    changes.clear();
     std::int32_t again = apps.launchBrowser(chrome);
+    apps.postAccessibility(again, "AXFocusedWindowChanged", "AXWindow");
+    EXPECT_THAT(changes, ElementsAre("Google Chrome is open", "Google Chrome reported AXFocusedWindowChanged"));
     desktop.clock().advance(1.0);
     EXPECT_TRUE(events.empty());
     EXPECT_TRUE(monitor.readings().count(chrome));
@@ -207,8 +212,17 @@ TEST_F(BrowserMonitorTest, QuitCountsOnlyWhenNoInstanceIsLeftAfterOneSecond) {
 
     // A new session starts at the next launch, at its date.
     desktop.clock().advance(60);
-    apps.launchBrowser(safari);
+    std::int32_t last = apps.launchBrowser(safari);
     EXPECT_EQ(monitor.sessionStart(), desktop.clock().now());
+
+    // Quits within the same second: two instances of one browser quit once,
+    // and the session ends once.
+    std::int32_t first = apps.launchBrowser(chrome);
+    std::int32_t second = apps.launchBrowser(chrome);
+    events.clear();
+    for (std::int32_t pid : {first, second, last}) apps.quit(pid);
+    desktop.clock().advance(1.0);
+    EXPECT_THAT(events, ElementsAre("quit Google Chrome in session", "end", "quit Safari"));
 }
 
 TEST_F(BrowserMonitorTest, AccessibilityReportsWindowChangesAndIsTakenUpWhenAllowedLater) {
