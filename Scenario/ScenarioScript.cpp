@@ -33,6 +33,15 @@ const std::map<std::string, std::string, std::less<>>& browserKeys() {
     return keys;
 }
 
+// What the language accepts: what a person could mean, and far inside what
+// the program represents (the virtual clock counts whole nanoseconds in 64
+// bits; the menu's minutes are an int).
+constexpr double maxWait = 31 * 86400.0;  ///< one `wait`: a month
+constexpr double maxSpan = 3653 * 86400.0;  ///< all waits of a script: ten years
+constexpr std::int64_t maxColorMinutes = 24 * 60;  ///< `color for`: a day
+constexpr std::int64_t maxLimitMinutes = 600;  ///< `gray after`, `stay`: the settings' range
+constexpr std::int64_t maxOpens = 50;  ///< `N opens`: the settings' range
+
 /// A bad line: thrown inside the parser and turned into a `ScenarioError`.
 struct Refusal {
     std::string expected;
@@ -236,11 +245,14 @@ private:
                 std::optional<double> time = timeOfDay(in.take("a time of day such as 13:00"), true);
                 if (!time) expect("a time of day such as 13:00 or 13:00:30");
                 command.seconds = *time;
+                waited(86400);
             } else {
                 command.kind = Kind::wait;
                 std::optional<double> seconds = duration(in.take("a duration such as 25m, 1h30m or 1.9s"));
                 if (!seconds) expect("a duration such as 25m, 1h30m or 1.9s");
+                if (*seconds > maxWait) expect("a wait of at most 744h (a month)");
                 command.seconds = *seconds;
+                waited(*seconds);
             }
         } else if (verb == "start") {
             command.kind = Kind::start;
@@ -335,11 +347,7 @@ private:
             in.word("for", "\"for\" and whole minutes such as 5m, or \"session\"");
             std::string span = in.take("whole minutes such as 5m, or \"session\"");
             if (span != "session") {
-                std::optional<double> seconds = duration(span);
-                if (!seconds || *seconds < 60 || std::fmod(*seconds, 60.0) != 0) {
-                    expect("whole minutes such as 5m, or \"session\"");
-                }
-                command.minutes = static_cast<std::int64_t>(*seconds / 60);
+                command.minutes = wholeMinutes(span, maxColorMinutes, "whole minutes such as 5m, or \"session\"");
             }
         } else if (verb == "add") {
             needRunning(verb);
@@ -662,6 +670,7 @@ private:
             if (in.accept("opens") || in.accept("open")) {
                 std::optional<std::int64_t> count = wholeNumber(limit);
                 if (!count || *count < 1 || opens) expect("one count of opens, at least 1");
+                if (*count > maxOpens) expect("at most " + std::to_string(maxOpens) + " opens");
                 opens = count;
             } else {
                 if (minutes) expect("one limit of minutes");
@@ -684,9 +693,20 @@ private:
     }
 
     std::int64_t positiveMinutes(std::string_view text, const std::string& what) {
+        return wholeMinutes(text, maxLimitMinutes, what);
+    }
+
+    /// Whole minutes from 1 to `most`; checked before any conversion.
+    std::int64_t wholeMinutes(std::string_view text, std::int64_t most, const std::string& what) {
         std::optional<double> seconds = duration(text);
         if (!seconds || *seconds < 60 || std::fmod(*seconds, 60.0) != 0) expect(what);
+        if (*seconds > static_cast<double>(most) * 60) expect("at most " + std::to_string(most) + " minutes");
         return static_cast<std::int64_t>(*seconds / 60);
+    }
+
+    void waited(double seconds) {
+        waited_ += seconds;
+        if (waited_ > maxSpan) expect("waits that add up to at most ten years");
     }
 
     WeekdaySet days(const std::string& text) {
@@ -744,6 +764,8 @@ private:
 
     int line_ = 0;
     int commandsSeen_ = 0;
+    /// The longest the script's waits can take, so far.
+    double waited_ = 0;
     bool running_ = false;
     /// Running programs by bundle identifier: true for a browser.
     std::map<std::string, bool> programs_;

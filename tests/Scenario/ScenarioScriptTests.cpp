@@ -80,6 +80,8 @@ TEST(ScenarioScript, ABadLineNamesItsFileLineAndWhatWasExpected) {
         std::string text;
         std::string message;
     };
+    std::string tenYears;
+    for (int day = 0; day < 3653; ++day) tenYears += "wait until 09:00\n";
     const std::vector<Case> cases{
         {"wait 25", "bad.scenario:1: expected a duration such as 25m, 1h30m or 1.9s"},
         {"wait until 24:00", "bad.scenario:1: expected a time of day such as 13:00 or 13:00:30"},
@@ -108,6 +110,18 @@ TEST(ScenarioScript, ABadLineNamesItsFileLineAndWhatWasExpected) {
         {"start\nset example.com stay 0m", "bad.scenario:2: expected until-leave, until-quit, or minutes such as 10m"},
         {"start\nadd day off \"Holiday 12-25", "bad.scenario:2: expected a closing \" in this line"},
         {"screen lock now", "bad.scenario:1: expected the end of the line, not \"now\""},
+        // Durations and counts: what a person could mean, and nothing that overflows.
+        {"wait 744h\nwait 745h", "bad.scenario:2: expected a wait of at most 744h (a month)"},
+        {"wait 2562048h", "bad.scenario:1: expected a wait of at most 744h (a month)"},
+        {"wait 1e308h", "bad.scenario:1: expected a wait of at most 744h (a month)"},
+        {tenYears + "wait 1s", "bad.scenario:3654: expected waits that add up to at most ten years"},
+        {"start\ncolor for 24h\ncolor for 1441m", "bad.scenario:3: expected at most 1440 minutes"},
+        {"start\ncolor for 2147483648m", "bad.scenario:2: expected at most 1440 minutes"},
+        {"start\ncolor for 9223372036854775807m", "bad.scenario:2: expected at most 1440 minutes"},
+        {"start\nset a.com gray after 9223372036854775807m per day", "bad.scenario:2: expected at most 600 minutes"},
+        {"start\nset a.com gray after 600m or 50 opens per day stay 10h\nset a.com stay 601m",
+         "bad.scenario:3: expected at most 600 minutes"},
+        {"start\nset a.com gray after 51 opens per day", "bad.scenario:2: expected at most 50 opens"},
     };
     for (const Case& c : cases) {
         EXPECT_EQ(refusal(c.text), c.message) << c.text;
