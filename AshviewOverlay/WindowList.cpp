@@ -16,6 +16,12 @@ bool fitsPID(std::int64_t value) {
     return value >= std::numeric_limits<std::int32_t>::min() && value <= std::numeric_limits<std::int32_t>::max();
 }
 
+/// Window numbers are 32 unsigned bits; an entry with another is nobody's
+/// window, and could not be asked about or subscribed to.
+bool hasWindowNumber(const WindowInfo& entry) {
+    return entry.number && *entry.number >= 0 && *entry.number <= std::numeric_limits<std::uint32_t>::max();
+}
+
 }  // namespace
 
 std::vector<std::optional<WindowInfo>> WindowList::list(std::uint32_t options) const {
@@ -38,7 +44,7 @@ std::vector<WindowInfo> WindowList::onScreen() const {
 std::optional<ForeignWindow> WindowList::normalWindow(const WindowInfo& entry, bool isOnScreen,
                                                       const Geometry& geometry) {
     if (!entry.layer || *entry.layer != 0) return std::nullopt;
-    if (!entry.number) return std::nullopt;
+    if (!hasWindowNumber(entry)) return std::nullopt;
     if (!entry.bounds) return std::nullopt;
     return ForeignWindow{*entry.number, geometry.cocoa(*entry.bounds), isOnScreen};
 }
@@ -47,7 +53,7 @@ std::vector<StackedWindow> WindowList::stack() const {
     std::vector<StackedWindow> result;
     for (const auto& slot : list(onScreenOptions)) {
         const WindowInfo& entry = *slot;
-        if (!entry.number || !entry.ownerPID || !fitsPID(*entry.ownerPID) || !entry.layer || !entry.bounds)
+        if (!hasWindowNumber(entry) || !entry.ownerPID || !fitsPID(*entry.ownerPID) || !entry.layer || !entry.bounds)
             continue;
         result.push_back(StackedWindow{*entry.number, static_cast<std::int32_t>(*entry.ownerPID), *entry.layer,
                                        entry.alpha.value_or(1.0), *entry.bounds});
@@ -93,7 +99,7 @@ std::unordered_map<std::int32_t, std::vector<ForeignWindow>> WindowList::windows
         // An owner that fits no process identifier is nobody's window here,
         // as no `windows(pid)` call can ask for it.
         if (!entry.ownerPID || !fitsPID(*entry.ownerPID)) return std::nullopt;
-        if (!entry.layer || *entry.layer != 0 || !entry.number || !entry.bounds) return std::nullopt;
+        if (!entry.layer || *entry.layer != 0 || !hasWindowNumber(entry) || !entry.bounds) return std::nullopt;
         return ForeignWindow{*entry.number, Geometry::flip(*entry.bounds, screenHeight), isOnScreen};
     };
     // (process, number) of every on-screen window, sorted for lookup.

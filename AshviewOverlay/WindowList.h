@@ -30,8 +30,8 @@ public:
 
     /// The whole on-screen stack, front to back, of every layer and every
     /// owner (this program's overlays, the menu bar and the Dock included).
-    /// An entry without an integer number, a process identifier that fits 32
-    /// signed bits, an integer layer, or readable bounds is left out; one
+    /// An entry without a number that fits 32 unsigned bits, a process
+    /// identifier that fits 32 signed bits, an integer layer, or readable bounds is left out; one
     /// without a readable alpha gets 1.0. Bounds stay in Quartz coordinates.
     std::vector<StackedWindow> stack() const;
 
@@ -59,7 +59,8 @@ public:
     std::vector<int> positions(const std::vector<std::int64_t>& numbers) const;
 
     /// A normal window made of one entry, or nothing: the layer must be
-    /// present and 0, the number present, the bounds readable. The frame is
+    /// present and 0, the number present and within 32 unsigned bits, the
+    /// bounds readable. The frame is
     /// the bounds converted to Cocoa coordinates by `geometry`.
     static std::optional<ForeignWindow> normalWindow(const WindowInfo& entry, bool isOnScreen,
                                                      const Geometry& geometry);

@@ -81,9 +81,11 @@ TEST_F(WindowListTest, UnreadableEntriesAreLeftOutAndUnreadableListsAreEmpty) {
     std::int64_t c = open(safari, "Safari", Rect{0, 0, 100, 100});
     std::int64_t d = open(safari, "Safari", Rect{0, 0, 100, 100});
     std::int64_t e = open(safari, "Safari", Rect{0, 0, 100, 100});
-    // Stack, front to back: e d c b a. Damage four entries in four ways.
+    std::int64_t f = open(safari, "Safari", Rect{0, 0, 100, 100});
+    // Stack, front to back: f e d c b a. Damage five entries in five ways.
     desktop.setListTamper([&](std::uint32_t, RawWindowList& raw) {
         for (auto& entry : *raw) {
+            if (entry->number == f) entry->number = -f;  // no window number of the window server
             if (entry->number == e) entry->alpha.reset();
             if (entry->number == d) entry->layer.reset();
             if (entry->number == c) entry->bounds.reset();
