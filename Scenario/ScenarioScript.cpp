@@ -507,6 +507,11 @@ private:
         command.zone = in.done() ? "UTC" : in.take("a time zone");
         command.locale = in.done() ? "en_US" : in.take("a locale");
         try {
+            Calendar("gregorian", command.zone, "en_US");
+        } catch (const std::invalid_argument&) {
+            expect("a time zone such as Europe/Berlin, not \"" + command.zone + "\"");
+        }
+        try {
             Calendar calendar("gregorian", command.zone, command.locale);
             std::optional<Instant> day = calendar.date(fields[0], fields[1], fields[2]);
             DateComponents parts = day ? calendar.components(*day) : DateComponents{};
@@ -514,7 +519,7 @@ private:
                 expect("a real date such as 2026-11-23");
             }
         } catch (const std::invalid_argument&) {
-            expect("a time zone such as Europe/Berlin, not \"" + command.zone + "\"");
+            expect("a locale such as en_GB");
         }
         command.dateTime = fields;
         command.seconds = *time;

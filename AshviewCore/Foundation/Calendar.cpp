@@ -66,6 +66,8 @@ Calendar::Calendar(std::string identifier, std::string timeZone, std::string loc
         throw std::invalid_argument("unknown time zone " + timeZone_);
     }
     prototype->locale = icu::Locale::createFromName((locale_ + "@calendar=" + identifier_).c_str());
+    // ICU's formats do not survive a locale name it could not take in.
+    if (prototype->locale.isBogus()) throw std::invalid_argument("unusable locale " + locale_);
     UErrorCode status = U_ZERO_ERROR;
     prototype->calendar.reset(icu::Calendar::createInstance(zone->clone(), prototype->locale, status));
     if (U_FAILURE(status) || !prototype->calendar) {

@@ -38,8 +38,8 @@ public:
     /// A calendar of the ICU system `identifier` ("gregorian", "buddhist",
     /// "japanese", ...) in the time zone `timeZone` (an IANA name such as
     /// "Europe/Berlin") with the locale `locale` ("en_US", "de_DE", ...).
-    /// Throws std::invalid_argument when ICU knows neither the zone nor the
-    /// calendar system.
+    /// Throws std::invalid_argument when ICU does not know the zone or the
+    /// calendar system, or cannot take the locale's name in at all.
     Calendar(std::string identifier, std::string timeZone, std::string locale);
 
     /// The Gregorian calendar in UTC with the POSIX English locale.

@@ -88,6 +88,7 @@ TEST(ScenarioScript, ABadLineNamesItsFileLineAndWhatWasExpected) {
         {"start\nwait 1m\nclock 2026-11-23 09:00", "bad.scenario:3: expected \"clock\" only as the first command of the scenario"},
         {"clock 2026-02-30 09:00", "bad.scenario:1: expected a real date such as 2026-11-23"},
         {"clock 2026-11-23 09:00 Mars/Olympus", "bad.scenario:1: expected a time zone such as Europe/Berlin, not \"Mars/Olympus\""},
+        {"clock 2026-11-23 09:00 UTC " + std::string(200, 'n'), "bad.scenario:1: expected a locale such as en_GB"},
         {"launch netscape", "bad.scenario:1: expected a browser such as chrome or safari, or \"app\", not \"netscape\""},
         {"launch safari\nlaunch Safari", "bad.scenario:2: expected a browser that is not running"},
         {"open news in chrome", "bad.scenario:1: expected a running browser or app, not \"chrome\""},
