@@ -397,8 +397,9 @@ void ShellScene::edit(const ScenarioCommand& command) {
                 edited.updateSettings(site->id, settings);
             else
                 edited.newSiteDefaults = settings;
-            model.save(edited);
-            break;
+            // Settings that were already so save fine and change nothing.
+            if (!model.save(edited)) out_ << "  the rules could not be saved\n";
+            return;
         }
         default: {  // editRule
             model.setPage(site ? SettingsModel::Page::forSite(site->id) : SettingsModel::Page::newSites());
