@@ -115,19 +115,18 @@ TEST(RuleSentences, DisplayNamesPreferTheRuleThenDropTheAppPrefix) {
 
 TEST(SiteStatusText, ShowsTheUsedFiguresCappedAtTheLimitMinutesFirst) {
     using State = SiteStatus::State;
-    // Figures never change the words of the states that are not color.
-    EXPECT_EQ((SiteStatus{State::outsideHours, 2, 3, 4, 5, CountPeriod::hour}).text(), "Off now: outside its hours");
-    EXPECT_EQ((SiteStatus{State::color, 0, std::nullopt, 0, std::nullopt, std::nullopt}).text(),
-              "Turns gray when you open it");
-    EXPECT_EQ((SiteStatus{State::color, 0, std::nullopt, 7, 5, CountPeriod::day}).text(),
-              "In color: 5 of 5 minutes today");
-    EXPECT_EQ((SiteStatus{State::color, 1, 2, 3, 10, CountPeriod::hour}).text(),
-              "In color: 3 of 10 minutes and 1 of 2 opens this hour");
-    // The plural follows the limit, not the count used.
-    EXPECT_EQ((SiteStatus{State::color, 0, 1, 0, 1, CountPeriod::session}).text(),
-              "In color: 0 of 1 minute and 0 of 1 open this browsing session");
-    EXPECT_EQ((SiteStatus{State::color, 9, 3, 42, std::nullopt, CountPeriod::hour}).text(),
-              "In color: 3 of 3 opens this hour");
+    const std::pair<SiteStatus, const char*> cases[] = {
+        // Figures never change the words of the states that are not color.
+        {{State::outsideHours, 2, 3, 4, 5, CountPeriod::hour}, "Off now: outside its hours"},
+        {{State::color, 0, std::nullopt, 0, std::nullopt, std::nullopt}, "Turns gray when you open it"},
+        {{State::color, 0, std::nullopt, 7, 5, CountPeriod::day}, "In color: 5 of 5 minutes today"},
+        {{State::color, 1, 2, 3, 10, CountPeriod::hour}, "In color: 3 of 10 minutes and 1 of 2 opens this hour"},
+        // The plural follows the limit, not the count used.
+        {{State::color, 0, 1, 0, 1, CountPeriod::session},
+         "In color: 0 of 1 minute and 0 of 1 open this browsing session"},
+        {{State::color, 9, 3, 42, std::nullopt, CountPeriod::hour}, "In color: 3 of 3 opens this hour"},
+    };
+    for (const auto& [status, text] : cases) EXPECT_EQ(status.text(), text) << text;
 }
 
 }  // namespace

@@ -172,28 +172,25 @@ TEST_F(Tracking, UntilChromeQuitsLatchesPastTheLimitAndThroughInactiveHours) {
 }
 
 TEST_F(Tracking, RequestsAndPinsDecideTheAnswerInTheirOrder) {
+    const Appearance gray = Appearance::gray, color = Appearance::color;
     list("gray.com", settings(GrayTrigger::rightAway()));
     list("pinned.com", opensPerHour(100), SitePin::grayThisSite);
     list("colored.com", settings(GrayTrigger::rightAway()), SitePin::showInColor);
     requests[key(9)] = WindowRequest::grayThisWindow;
     std::vector<BrowserWindow> windows{shown(1, "gray.com"), shown(2, "pinned.com"), shown(3, "colored.com"),
                                        shown(9, "unlisted.org"), shown(10, std::nullopt)};
-    auto result = pass(0, windows);
-    EXPECT_EQ(result.size(), windows.size());
-    EXPECT_EQ(result.at(key(1)), Appearance::gray);
-    EXPECT_EQ(result.at(key(2)), Appearance::gray);
-    EXPECT_EQ(result.at(key(3)), Appearance::color);
-    EXPECT_EQ(result.at(key(9)), Appearance::gray) << "a request grays even an unlisted window";
-    EXPECT_EQ(result.at(key(10)), Appearance::notListed);
+    // A request grays even an unlisted window.
+    EXPECT_EQ(pass(0, windows), (VisitTracker::Appearances{{key(1), gray}, {key(2), gray}, {key(3), color},
+                                                           {key(9), gray}, {key(10), Appearance::notListed}}));
     EXPECT_EQ(tracker.sightings().size(), 3u) << "sightings are per rule";
     EXPECT_EQ(sighting("pinned.com"), (SiteSighting{"pinned.com", true, true, false}));
     EXPECT_EQ(sighting("colored.com"), (SiteSighting{"colored.com", true, false, false}));
 
     showInColorUntil = start + 100;
-    result = pass(5, windows);
-    EXPECT_EQ(result.at(key(1)), Appearance::color);
-    EXPECT_EQ(result.at(key(2)), Appearance::color) << "show-in-color overrides the pins";
-    EXPECT_EQ(result.at(key(9)), Appearance::gray) << "but not a window's request";
+    auto result = pass(5, windows);
+    EXPECT_EQ(result.at(key(1)), color);
+    EXPECT_EQ(result.at(key(2)), color) << "show-in-color overrides the pins";
+    EXPECT_EQ(result.at(key(9)), gray) << "but not a window's request";
     EXPECT_TRUE(usage("gray.com").phase.grayPhase()) << "the phase goes on underneath";
     EXPECT_EQ(pass(100, windows).at(key(1)), Appearance::gray) << "show-in-color ends at its instant";
 
@@ -333,12 +330,8 @@ TEST_F(Tracking, BrowserQuitEndsTheSessionOfSitesAndLeavesAppsAlone) {
 
     tracker.browserQuit();
     EXPECT_EQ(usage("app:com.apple.Music"), app);
-    EXPECT_EQ(usage("example.com").opens, site.opens) << "hour and day counts stay";
-    EXPECT_EQ(usage("example.com").onScreen, site.onScreen);
-    EXPECT_EQ(usage("example.com").sessionOpens, 0);
-    EXPECT_EQ(usage("example.com").sessionSeconds, 0.0);
-    EXPECT_FALSE(usage("example.com").latched);
-    EXPECT_EQ(usage("example.com").phase, Phase::color());
+    EXPECT_EQ(usage("example.com"), (SiteUsage{.opens = site.opens, .onScreen = site.onScreen}))
+        << "hour and day counts stay, the rest starts afresh";
     EXPECT_EQ(tracker.siteByWindow().size(), 1u);
     EXPECT_EQ(sighting("example.com"), (SiteSighting{"example.com", false, false, false}));
     EXPECT_EQ(sighting("app:com.apple.Music"), (SiteSighting{"app:com.apple.Music", true, true, true}));
