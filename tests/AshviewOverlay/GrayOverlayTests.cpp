@@ -1,7 +1,7 @@
 #include "AshviewOverlay/GrayOverlay.h"
 #include "Platform/Sim/SimDesktop.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 namespace ashview {
 namespace {
@@ -21,35 +21,21 @@ TEST(GrayOverlay, MakesTheWindowStepByStepInTheRequiredOrder) {
     std::string w = "window " + std::to_string(window->windowNumber());
     EXPECT_EQ(withoutGroupNames(desktop.overlayJournal()),
               (std::vector<std::string>{
-                  "hasBackdropClass true",
-                  "makeSaturateFilter filter 1",
-                  "filter 1 setValue \"inputAmount\" 0.0",
+                  "hasBackdropClass true", "makeSaturateFilter filter 1", "filter 1 setValue \"inputAmount\" 0.0",
                   "makeWindow (10.0, 20.0, 320.0, 240.0) style 0 backing 2 defer false -> " + w,
-                  w + " setReleasedWhenClosed false",
-                  w + " setOpaque false",
-                  w + " setBackgroundColor white 1.0 alpha 0.001",
-                  w + " setHasShadow false",
-                  w + " setIgnoresMouseEvents true",
-                  w + " setAnimationBehavior 2",
-                  w + " setCollectionBehavior 337",
-                  "makeView (0.0, 0.0, 320.0, 240.0) -> view 1",
-                  "view 1 setWantsLayer true",
-                  "view 1 setLayerUsesCoreImageFilters false",
-                  "makeBackdropLayer backdrop 1",
-                  "backdrop 1 setFrame (0.0, 0.0, 320.0, 240.0)",
-                  "backdrop 1 setAutoresizingMask 18",
-                  "backdrop 1 setValue \"windowServerAware\" true",
-                  "backdrop 1 setValue \"groupName\" \"ashview-…\"",
-                  "backdrop 1 setValue \"scale\" 1.0",
-                  "makeSaturateFilter filter 2",
-                  "filter 2 setValue \"inputAmount\" 0.0",
-                  "backdrop 1 setFilters [filter 2]",
-                  "layer 1 addSublayer backdrop 1",
-                  w + " setContentView view 1",
+                  w + " setReleasedWhenClosed false", w + " setOpaque false",
+                  w + " setBackgroundColor white 1.0 alpha 0.001", w + " setHasShadow false",
+                  w + " setIgnoresMouseEvents true", w + " setAnimationBehavior 2", w + " setCollectionBehavior 337",
+                  "makeView (0.0, 0.0, 320.0, 240.0) -> view 1", "view 1 setWantsLayer true",
+                  "view 1 setLayerUsesCoreImageFilters false", "makeBackdropLayer backdrop 1",
+                  "backdrop 1 setFrame (0.0, 0.0, 320.0, 240.0)", "backdrop 1 setAutoresizingMask 18",
+                  "backdrop 1 setValue \"windowServerAware\" true", "backdrop 1 setValue \"groupName\" \"ashview-…\"",
+                  "backdrop 1 setValue \"scale\" 1.0", "makeSaturateFilter filter 2",
+                  "filter 2 setValue \"inputAmount\" 0.0", "backdrop 1 setFilters [filter 2]",
+                  "layer 1 addSublayer backdrop 1", w + " setContentView view 1",
                   w + " setValue \"shouldAutoFlattenLayerTree\" false",
                   w + " setValue \"canHostLayersInWindowServer\" false",
-                  w + " setValue \"canHostLayersInWindowServer\" true",
-              }));
+                  w + " setValue \"canHostLayersInWindowServer\" true"}));
 
     std::vector<SimOverlay> overlays = desktop.overlays();
     ASSERT_EQ(overlays.size(), 1u);
@@ -102,11 +88,9 @@ TEST(GrayOverlay, ABackdropThatCannotBeMadeLeavesThatWindowWithoutOne) {
     GrayOverlay gray(desktop.overlayWindows());
     EXPECT_TRUE(gray.isAvailable());
     gray.make(Rect{0, 0, 100, 100});
-    const auto& journal = desktop.overlayJournal();
-    EXPECT_NE(std::find(journal.begin(), journal.end(), "makeBackdropLayer nothing"), journal.end());
-    EXPECT_EQ(std::count_if(journal.begin(), journal.end(),
-                            [](const std::string& line) { return line.rfind("backdrop", 0) == 0; }),
-              0);
+    using namespace ::testing;
+    EXPECT_THAT(desktop.overlayJournal(),
+                AllOf(Contains("makeBackdropLayer nothing"), Each(Not(StartsWith("backdrop")))));
 }
 
 }  // namespace

@@ -76,12 +76,9 @@ TEST_F(WindowListTest, TheStackHoldsEveryLayerAndOurOwnWindows) {
 }
 
 TEST_F(WindowListTest, UnreadableEntriesAreLeftOutAndUnreadableListsAreEmpty) {
-    std::int64_t a = open(safari, "Safari", Rect{0, 0, 100, 100});
-    std::int64_t b = open(safari, "Safari", Rect{0, 0, 100, 100});
-    std::int64_t c = open(safari, "Safari", Rect{0, 0, 100, 100});
-    std::int64_t d = open(safari, "Safari", Rect{0, 0, 100, 100});
-    std::int64_t e = open(safari, "Safari", Rect{0, 0, 100, 100});
-    std::int64_t f = open(safari, "Safari", Rect{0, 0, 100, 100});
+    std::int64_t n[6];
+    for (std::int64_t& number : n) number = open(safari, "Safari", Rect{0, 0, 100, 100});
+    const std::int64_t a = n[0], b = n[1], c = n[2], d = n[3], e = n[4], f = n[5];
     // Stack, front to back: f e d c b a. Damage five entries in five ways.
     desktop.setListTamper([&](std::uint32_t, RawWindowList& raw) {
         for (auto& entry : *raw) {
