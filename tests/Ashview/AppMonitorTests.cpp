@@ -56,13 +56,11 @@ TEST_F(AppMonitorTest, ListsAppsByTheirRuleAndWebAppsUnderTheirSitesRule) {
     std::int32_t shim = apps.launchApp("com.google.Chrome.app.xyz", "Shim", 0, webApp("Empty", ""));
     desktop.setProcessIdentifier(apps.launchApp(SimApplications::defaultOwnBundleIdentifier, "Drabwise"));
 
-    EXPECT_EQ(monitor->key(app(notes)), "app:com.example.Notes");
-    EXPECT_EQ(monitor->key(app(browserAsApp)), std::nullopt);  // a browser is never an app here
-    EXPECT_EQ(monitor->key(app(plain)), std::nullopt);
-    EXPECT_EQ(monitor->key(app(nameless)), std::nullopt);
-    EXPECT_EQ(monitor->key(app(mail)), "mail.example.com");
-    EXPECT_EQ(monitor->key(app(news)), std::nullopt);  // its site is not listed
-    EXPECT_EQ(monitor->key(app(shim)), "mail.example.com");
+    // A browser is never an app here; News's site is not listed.
+    const std::pair<std::int32_t, std::optional<std::string>> keys[] = {
+        {notes, "app:com.example.Notes"}, {browserAsApp, std::nullopt}, {plain, std::nullopt},
+        {nameless, std::nullopt}, {mail, "mail.example.com"}, {news, std::nullopt}, {shim, "mail.example.com"}};
+    for (const auto& [pid, key] : keys) EXPECT_EQ(monitor->key(app(pid)), key) << app(pid).bundleIdentifier.value_or("");
     auto listed = monitor->running();
     ASSERT_EQ(listed.size(), 3u);  // this program is never listed
     EXPECT_EQ(listed[mail], (ListedProcess{"com.apple.Safari.WebApp.1A2B", "mail.example.com"}));

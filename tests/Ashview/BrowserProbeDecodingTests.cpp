@@ -80,14 +80,10 @@ TEST(BrowserProbeReply, PairsWindowsAndKeepsEarlierPartnersByWindowNumber) {
     };
     auto windows = BrowserProbe::windows("com.google.Chrome", items, screen, {}, height);
     ASSERT_EQ(windows.size(), 4u);
-    EXPECT_EQ(windows[0].key, (WindowKey{"com.google.Chrome", 1}));
-    EXPECT_EQ(windows[0].screenWindow, screen[0]);
-    EXPECT_EQ(windows[0].host, "www.example.com");
+    EXPECT_EQ(windows[0], (ProbedWindow{{"com.google.Chrome", 1}, screen[0], "www.example.com"}));
     EXPECT_EQ(windows[1].screenWindow, screen[1]);
-    EXPECT_FALSE(windows[2].screenWindow);
-    EXPECT_EQ(windows[2].host, std::nullopt);
-    EXPECT_EQ(windows[3].screenWindow, screen[2]);
-    EXPECT_EQ(windows[3].host, std::nullopt);
+    EXPECT_EQ(windows[2], (ProbedWindow{{"com.google.Chrome", 3}, std::nullopt, std::nullopt}));
+    EXPECT_EQ(windows[3], (ProbedWindow{{"com.google.Chrome", 4}, screen[2], std::nullopt}));
 
     // Window 2 was paired with 301 last time: it keeps it, and window 1 takes
     // the other of the two same-sized windows. A previous number that is gone

@@ -1,11 +1,15 @@
 #include "ControllerFixture.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 namespace ashview {
 namespace {
 
 using Lines = std::vector<std::string>;
+using ::testing::Contains;
+using ::testing::Each;
+using ::testing::HasSubstr;
+using ::testing::Not;
 
 TEST_F(ControllerTest, ASitePastItsLimitGoesGrayAndTheOverlayFollowsItsWindow) {
     start();
@@ -69,11 +73,8 @@ TEST_F(ControllerTest, EachWayOfLeavingGrayIsLoggedWithItsReason) {
     apps.showAddress(retabbed, "https://elsewhere.example/");
     desktop.clearOverlayJournal();
     desktop.switchSpace({spaced}, {});  // the window stays on the Space left
-    bool rearmed = false;
-    for (const std::string& line : desktop.overlayJournal()) {
-        rearmed = rearmed || line.find("canHostLayersInWindowServer") != std::string::npos;
-    }
-    EXPECT_TRUE(rearmed) << "the overlays are rearmed on a Space change";
+    EXPECT_THAT(desktop.overlayJournal(), Contains(HasSubstr("canHostLayersInWindowServer")))
+        << "the overlays are rearmed on a Space change";
     advance(0.15);
     EXPECT_EQ(takeLines(), (Lines{"Google Chrome reported AXTitleChanged", "Space changed",
                                   "window " + std::to_string(spaced) + " back to color: its window is not on screen",
@@ -206,9 +207,7 @@ TEST_P(WithoutGraying, NoOverlayIsEverPlacedAndEverythingElseRuns) {
     const UsageHistory& history = controller->usage().recorder().history();
     ASSERT_EQ(history.days.size(), 1u);
     EXPECT_GE(history.days.begin()->second.sites.at("news.example").seconds, 115.0);
-    for (const std::string& line : takeLines()) {
-        EXPECT_EQ(line.find("graying window"), std::string::npos) << line;
-    }
+    EXPECT_THAT(takeLines(), Each(Not(HasSubstr("graying window"))));
 }
 
 INSTANTIATE_TEST_SUITE_P(EachMissingPiece, WithoutGraying, ::testing::Range(0, 6));
@@ -365,7 +364,7 @@ TEST_P(TabChangeToGray, WithoutAccessibilityTheBackupPassFindsItWithinFiveSecond
     advance(5.0 - 0.15);
     EXPECT_EQ(fullPasses, before + 1);
     expectGrayOverPlayOnly();
-    for (const std::string& line : takeLines()) EXPECT_EQ(line.find("reported"), std::string::npos) << line;
+    EXPECT_THAT(takeLines(), Each(Not(HasSubstr("reported"))));
 }
 
 INSTANTIATE_TEST_SUITE_P(BothDialects, TabChangeToGray, ::testing::Values("com.google.Chrome", "com.apple.Safari"),
