@@ -60,13 +60,11 @@ TEST(Json, ReadsStrictlyWithPaths) {
 }
 
 TEST(Json, RejectsBrokenBytesAndProbesOnlyTheVersion) {
-    for (const char* broken : {"{\"a\": \"\xff\"}", "{\"a\": 1", ""}) {
+    for (const char* broken : {"{\"a\": \"\xff\"}", "{\"a\": 1", ""})
         EXPECT_THROW(Json::parse(broken), Json::DecodingError) << broken;
-    }
     EXPECT_EQ(Json::probeSchemaVersion(R"({"schemaVersion": 4, "sites": "nonsense"})"), 4);
-    for (const char* unversioned : {R"({"schemaVersion": "3"})", "[3]", "not json"}) {
+    for (const char* unversioned : {R"({"schemaVersion": "3"})", "[3]", "not json"})
         EXPECT_EQ(Json::probeSchemaVersion(unversioned), std::nullopt) << unversioned;
-    }
 }
 
 TEST(AtomicFile, ReplacesWholeFilesAndLeavesNothingBehindOnFailure) {

@@ -34,9 +34,8 @@ TEST(LocalDays, SplitsAtTheMidnightsOfRealTimeZones) {
 TEST(LocalDays, KeysAreGregorianInTheGivenCalendarsZone) {
     // 20:00 UTC is already the next morning in Bangkok and Tokyo.
     Instant instant = *Calendar::gregorianUTC().date(2026, 11, 23, 20);
-    for (const Calendar& other : {Calendar("buddhist", "Asia/Bangkok", "th_TH"), Calendar("japanese", "Asia/Tokyo", "ja_JP")}) {
+    for (const Calendar& other : {Calendar("buddhist", "Asia/Bangkok", "th_TH"), Calendar("japanese", "Asia/Tokyo", "ja_JP")})
         EXPECT_EQ(LocalDays(other).key(instant), "2026-11-24") << other.identifier();
-    }
     EXPECT_EQ(LocalDays(Calendar::gregorianUTC()).key(instant), "2026-11-23");
 }
 

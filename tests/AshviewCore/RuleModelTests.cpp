@@ -80,9 +80,8 @@ TEST(Host, PlainHostsAreTheirOwnNormalForm) {
 
 TEST(AppKey, MakesKeysOnlyFromPlainIdentifiers) {
     EXPECT_EQ(AppKey::make("com.Example-App_2.tool"), "app:com.Example-App_2.tool");
-    for (const char* bad : {"", "com.example tool", "com.ex\u00E4mple", "app:com.x"}) {
+    for (const char* bad : {"", "com.example tool", "com.ex\u00E4mple", "app:com.x"})
         EXPECT_EQ(AppKey::make(bad), std::nullopt) << bad;
-    }
     EXPECT_EQ(AppKey::bundleID("app:com.ex ample"), "com.ex ample");  // unchecked
     EXPECT_EQ(AppKey::bundleID("example.com"), std::nullopt);
 }

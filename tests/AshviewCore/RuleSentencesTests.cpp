@@ -62,9 +62,8 @@ TEST(RuleSentences, WriteEveryTriggerAndStayWithHandMadePlurals) {
         {GrayTrigger::afterLimit(0, std::nullopt, CountPeriod::hour), leave,
          "turns gray after 0 minutes in an hour and stays gray until you leave it."},
     };
-    for (const auto& [trigger, stay, middle] : cases) {
+    for (const auto& [trigger, stay, middle] : cases)
         EXPECT_EQ(settings(Weekday::all(), trigger, stay).sentence(usEastern), std::string("Every day, it ") + middle);
-    }
 }
 
 TEST(RuleSentences, ClockTimesComeFromTheLocaleAndExistOnEveryDay) {

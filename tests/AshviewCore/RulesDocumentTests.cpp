@@ -125,9 +125,8 @@ TEST(RulesDocument, RefusesTheWholeDocumentForAnyFault) {
         {"schemaVersion as text", [](Json::Value& d) { d["schemaVersion"] = "3"; }},
         {"document is an array", [](Json::Value& d) { d = Json::Value::array({d}); }},
     };
-    for (const auto& [what, change] : faults) {
+    for (const auto& [what, change] : faults)
         EXPECT_THROW(RulesDocument::decode(edited(change)), Json::DecodingError) << what;
-    }
     std::string good = RulesDocument::encode(sampleRules());
     for (std::string bytes : {good.substr(0, good.size() / 2),
                               std::string("{\"schemaVersion\": 3, \"sites\": [\"\xff\xfe\"]}"),

@@ -21,9 +21,8 @@ protected:
     void SetUp() override { history.began = local.start(-20, now); }
     std::string key(long daysAgo) const { return local.key(local.start(-daysAgo, now)); }
     void add(long from, long to, const std::string& host, Totals totals) {
-        for (long daysAgo = from; daysAgo <= to; ++daysAgo) {
+        for (long daysAgo = from; daysAgo <= to; ++daysAgo)
             history.update(host, key(daysAgo), [&](Totals& day) { day.add(totals); });
-        }
     }
     void unwatched(long daysAgo) { history.days[key(daysAgo)].unobservedSeconds = 3600.5; }
     UsageSummary summary(const std::vector<std::string>& hosts = {"a", "b"}) const {
