@@ -11,6 +11,10 @@ using ::testing::Each;
 using ::testing::HasSubstr;
 using ::testing::Not;
 
+std::string backToColor(std::int64_t window, const std::string& reason) {
+    return "window " + std::to_string(window) + " back to color: " + reason;
+}
+
 TEST_F(ControllerTest, ASitePastItsLimitGoesGrayAndTheOverlayFollowsItsWindow) {
     start();
     listSite("news.example", 1);
@@ -50,7 +54,7 @@ TEST_F(ControllerTest, ASitePastItsLimitGoesGrayAndTheOverlayFollowsItsWindow) {
     EXPECT_EQ(desktop.counts().orderWindowCalls, ordersBefore);
 
     desktop.closeWindow(news);
-    EXPECT_EQ(takeLines(), (Lines{"window " + std::to_string(news) + " back to color: its window closed"}));
+    EXPECT_EQ(takeLines(), (Lines{backToColor(news, "its window closed")}));
     EXPECT_TRUE(desktop.overlays().empty());
     EXPECT_TRUE(controller->isReadScheduled());
 }
@@ -68,7 +72,7 @@ TEST_F(ControllerTest, EachWayOfLeavingGrayIsLoggedWithItsReason) {
     takeLines();
 
     desktop.minimise(hidden);
-    EXPECT_EQ(takeLines(), (Lines{"window " + std::to_string(hidden) + " back to color: its window was hidden"}));
+    EXPECT_EQ(takeLines(), (Lines{backToColor(hidden, "its window was hidden")}));
 
     apps.showAddress(retabbed, "https://elsewhere.example/");
     desktop.clearOverlayJournal();
@@ -77,20 +81,17 @@ TEST_F(ControllerTest, EachWayOfLeavingGrayIsLoggedWithItsReason) {
         << "the overlays are rearmed on a Space change";
     advance(0.15);
     EXPECT_EQ(takeLines(), (Lines{"Google Chrome reported AXTitleChanged", "Space changed",
-                                  "window " + std::to_string(spaced) + " back to color: its window is not on screen",
-                                  "window " + std::to_string(retabbed) +
-                                      " back to color: its visible tab is not a listed site"}));
+                                  backToColor(spaced, "its window is not on screen"),
+                                  backToColor(retabbed, "its visible tab is not a listed site")}));
 
     controller->setPin(SitePin::showInColor, *controller->rules().site("mail.example"));
-    EXPECT_EQ(takeLines(), (Lines{"site set to showInColor",
-                                  "window " + std::to_string(pinned) + " back to color: its rule says color"}));
+    EXPECT_EQ(takeLines(), (Lines{"site set to showInColor", backToColor(pinned, "its rule says color")}));
     EXPECT_TRUE(controller->grayedWindows().empty());
 
     controller->setPin(SitePin::followSettings, *controller->rules().site("mail.example"));
     takeLines();
     controller->showInColor(5);
-    EXPECT_EQ(takeLines(), (Lines{"show in color for 5 minutes",
-                                  "window " + std::to_string(pinned) + " back to color: showing in color for now"}));
+    EXPECT_EQ(takeLines(), (Lines{"show in color for 5 minutes", backToColor(pinned, "showing in color for now")}));
 }
 
 TEST_F(ControllerTest, ABurstOfRequestsGivesOnePass) {
@@ -148,8 +149,7 @@ TEST_F(ControllerTest, ARefusingBrowserKeepsTheTimer) {
     takeLines();
     apps.setScriptBehaviour(chrome, SimScriptBehaviour::refuse);
     controller->read();
-    EXPECT_EQ(takeLines(),
-              (Lines{"window " + std::to_string(news) + " back to color: control of a browser is not allowed"}));
+    EXPECT_EQ(takeLines(), (Lines{backToColor(news, "control of a browser is not allowed")}));
     std::size_t readsBefore = reads();
     advance(20.2);
     EXPECT_TRUE(controller->hasBackupTimer());
@@ -172,8 +172,7 @@ TEST_F(ControllerTest, TheLastListedAppQuittingTakesOneMorePassToClearItsWindows
     int passes = fullPasses;
     apps.quit(gamePID);
     advance(0.15);
-    EXPECT_EQ(takeLines(),
-              (Lines{"window " + std::to_string(game) + " back to color: its window closed", "a listed app quit"}));
+    EXPECT_EQ(takeLines(), (Lines{backToColor(game, "its window closed"), "a listed app quit"}));
     EXPECT_EQ(fullPasses, passes + 1) << "one more full pass empties the app windows";
     EXPECT_FALSE(controller->hasBackupTimer());
     controller->read();
