@@ -31,9 +31,7 @@ TEST(RuleOperations, AddingNormalizesAndRefusesBadOrRepeatedEntries) {
     RuleSet rules = RuleSet::fresh();
     SiteRule added = rules.addSite("  https://Example.COM:8080/feed ");
     EXPECT_EQ(rules.sites, std::vector<SiteRule>{added});
-    EXPECT_EQ(added.host, "example.com");
-    EXPECT_TRUE(added.usesNewSiteDefaults);
-    EXPECT_EQ(added.settings, rules.newSiteDefaults);
+    EXPECT_EQ(added, (SiteRule{added.id, "example.com", {}, true, rules.newSiteDefaults, SitePin::followSettings}));
     EXPECT_EQ(failedKind(rules, [&] { rules.addSite("EXAMPLE.com."); }), Kind::duplicateHost);
     EXPECT_EQ(failedKind(rules, [&] { rules.addSite("exa mple.com"); }), Kind::invalidHost);
     EXPECT_NO_THROW(rules.addSite("news.example.com"));
