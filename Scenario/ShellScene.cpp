@@ -137,6 +137,14 @@ void operate(RuleEditor& editor, const std::string& control, const std::vector<s
     throw SceneFailure{"the rule's form has no control \"" + control + "\""};
 }
 
+/// The listed rule a scenario names by its host as typed, or its key.
+std::optional<SiteRule> listedRule(const RuleSet& rules, const std::string& text) {
+    std::optional<std::string> normalized = Host::normalize(text);
+    for (const SiteRule& rule : rules.sites)
+        if (rule.host == text || (normalized && rule.host == *normalized)) return rule;
+    return std::nullopt;
+}
+
 }  // namespace
 
 void ShellScene::print(const std::vector<MenuItem>& menu, std::ostream& out, int depth) {
@@ -244,9 +252,7 @@ void ShellScene::openSettings(const std::string& page) {
         window.model().setPage(page == "new-sites" ? SettingsModel::Page::newSites() : SettingsModel::Page::daysOff());
         return window.show(std::nullopt);
     }
-    std::optional<std::string> normalized = Host::normalize(page);
-    for (const SiteRule& rule : window.model().rules().sites)
-        if (rule.host == page || (normalized && rule.host == *normalized)) return window.show(rule);
+    if (std::optional<SiteRule> rule = listedRule(window.model().rules(), page)) return window.show(rule);
     throw SceneFailure{"no page \"" + page + "\": stats, new-sites, days-off or a listed site"};
 }
 
@@ -342,9 +348,7 @@ void ShellScene::edit(const ScenarioCommand& command) {
     RuleSet before = model.rules();
     std::optional<SiteRule> site;
     if (!command.site.empty()) {
-        std::optional<std::string> normalized = Host::normalize(command.site);
-        for (const SiteRule& rule : before.sites)
-            if (rule.host == command.site || (normalized && rule.host == *normalized)) site = rule;
+        site = listedRule(before, command.site);
         if (!site) throw SceneFailure{"no listed site or app \"" + command.site + "\""};
     }
     if (command.kind == Kind::clearHistory) {
