@@ -1,0 +1,69 @@
+#include "AshviewQt/Theme.h"
+
+#include <QApplication>
+#include <QFontMetricsF>
+#include <QPalette>
+#include <QStyleFactory>
+
+namespace ashview::Theme {
+
+namespace {
+
+constexpr const char* bodyFamily = "Inter";
+/// DejaVu Sans draws every digit at one width.
+constexpr const char* digitFamily = "DejaVu Sans";
+
+}  // namespace
+
+QFont font(qreal points, QFont::Weight weight) {
+    QFont face(bodyFamily);
+    face.setPointSizeF(points);
+    face.setWeight(weight);
+    face.setHintingPreference(QFont::PreferNoHinting);
+    return face;
+}
+
+bool hasEvenDigits(const QFont& font) {
+    QFontMetricsF metrics(font);
+    const qreal width = metrics.horizontalAdvance(QChar('0'));
+    for (char digit = '1'; digit <= '9'; ++digit) {
+        if (!qFuzzyCompare(metrics.horizontalAdvance(QChar(digit)), width)) return false;
+    }
+    return true;
+}
+
+QFont evenDigitFont(qreal points) {
+    QFont body = font(points);
+    if (hasEvenDigits(body)) return body;
+    QFont digits(digitFamily);
+    digits.setPointSizeF(points * 0.92);
+    digits.setHintingPreference(QFont::PreferNoHinting);
+    return digits;
+}
+
+QColor secondaryText() { return QColor(0x6e, 0x6e, 0x73); }
+QColor accent() { return QColor(0x0a, 0x7a, 0xff); }
+
+void apply(QApplication& application) {
+    application.setStyle(QStyleFactory::create("Fusion"));
+    application.setFont(font());
+    QPalette palette;
+    palette.setColor(QPalette::Window, QColor(0xec, 0xec, 0xec));
+    palette.setColor(QPalette::WindowText, QColor(0x1d, 0x1d, 0x1f));
+    palette.setColor(QPalette::Base, Qt::white);
+    palette.setColor(QPalette::AlternateBase, QColor(0xf5, 0xf5, 0xf7));
+    palette.setColor(QPalette::Text, QColor(0x1d, 0x1d, 0x1f));
+    palette.setColor(QPalette::Button, QColor(0xfb, 0xfb, 0xfb));
+    palette.setColor(QPalette::ButtonText, QColor(0x1d, 0x1d, 0x1f));
+    palette.setColor(QPalette::Highlight, accent());
+    palette.setColor(QPalette::HighlightedText, Qt::white);
+    palette.setColor(QPalette::PlaceholderText, QColor(0xa1, 0xa1, 0xa6));
+    palette.setColor(QPalette::Link, accent());
+    palette.setColor(QPalette::ToolTipBase, QColor(0xff, 0xff, 0xf0));
+    palette.setColor(QPalette::Disabled, QPalette::WindowText, QColor(0xa1, 0xa1, 0xa6));
+    palette.setColor(QPalette::Disabled, QPalette::Text, QColor(0xa1, 0xa1, 0xa6));
+    palette.setColor(QPalette::Disabled, QPalette::ButtonText, QColor(0xa1, 0xa1, 0xa6));
+    application.setPalette(palette);
+}
+
+}  // namespace ashview::Theme
