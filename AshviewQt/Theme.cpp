@@ -17,7 +17,8 @@ constexpr const char* digitFamily = "DejaVu Sans";
 
 QFont font(qreal points, QFont::Weight weight) {
     QFont face(bodyFamily);
-    face.setPointSizeF(points);
+    // A Mac point is one logical pixel; Qt's points elsewhere are larger.
+    face.setPixelSize(qRound(points));
     face.setWeight(weight);
     face.setHintingPreference(QFont::PreferNoHinting);
     return face;
@@ -36,7 +37,7 @@ QFont evenDigitFont(qreal points) {
     QFont body = font(points);
     if (hasEvenDigits(body)) return body;
     QFont digits(digitFamily);
-    digits.setPointSizeF(points * 0.92);
+    digits.setPixelSize(qRound(points * 0.92));
     digits.setHintingPreference(QFont::PreferNoHinting);
     return digits;
 }
@@ -64,6 +65,15 @@ void apply(QApplication& application) {
     palette.setColor(QPalette::Disabled, QPalette::Text, QColor(0xa1, 0xa1, 0xa6));
     palette.setColor(QPalette::Disabled, QPalette::ButtonText, QColor(0xa1, 0xa1, 0xa6));
     application.setPalette(palette);
+    // Thin scroll bars over the content, and rounded text fields, as on the
+    // Mac.
+    application.setStyleSheet(
+        "QScrollBar:vertical { width: 9px; background: transparent; margin: 2px; }"
+        "QScrollBar::handle:vertical { background: rgba(0,0,0,0.22); border-radius: 3px; min-height: 30px; }"
+        "QScrollBar::add-line:vertical, QScrollBar::sub-line:vertical { height: 0; }"
+        "QScrollBar::add-page:vertical, QScrollBar::sub-page:vertical { background: transparent; }"
+        "QLineEdit { background: white; border: 1px solid #c8c8cc; border-radius: 6px; padding: 3px 6px; }"
+        "QLineEdit:focus { border: 2px solid #7fb2ff; padding: 2px 5px; }");
 }
 
 }  // namespace ashview::Theme

@@ -64,6 +64,7 @@ inline constexpr const char* stayGrayLabel = "Stay gray";
 inline constexpr const char* dayOffNameLabel = "Name";
 inline constexpr const char* dayOffDateLabel = "Date";
 inline constexpr const char* dayOffRepeatsLabel = "Repeats";
+inline constexpr const char* dayOffRemoveTitle = "Remove";
 
 }  // namespace SettingsText
 }  // namespace ashview

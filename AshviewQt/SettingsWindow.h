@@ -1,0 +1,46 @@
+// The settings window: the sidebar on the left, the open page on the right,
+// and the title that follows the page. It shows the model after each of its
+// changes, redrawn once the change is complete (from the event loop), and
+// forwards every action to the model. Made once, at the first showing, and
+// kept when closed; main thread only.
+#pragma once
+
+#include "Ashview/Shell/SettingsModel.h"
+#include "Ashview/Shell/Signal.h"
+
+#include <QScrollArea>
+#include <QWidget>
+
+namespace ashview {
+
+class SettingsSidebar;
+
+class SettingsWindow final : public QWidget {
+public:
+    /// The content size, in points.
+    static constexpr int width = 820;
+    static constexpr int height = 640;
+
+    /// `model` must outlive the window.
+    explicit SettingsWindow(SettingsModel& model, QWidget* parent = nullptr);
+
+    /// Shows the model as it stands now, at once.
+    void refresh();
+    SettingsSidebar& sidebar() { return *sidebar_; }
+    /// The open page's widget.
+    QWidget* page() const { return detail_->widget(); }
+
+private:
+    void scheduleRefresh();
+    void rebuildPage();
+    void typing(const std::function<void()>& change);
+
+    SettingsModel& model_;
+    SettingsSidebar* sidebar_;
+    QScrollArea* detail_;
+    Signal::Connection watch_;
+    bool refreshPending_ = false;
+    bool keepPage_ = false;
+};
+
+}  // namespace ashview
