@@ -1,6 +1,7 @@
 #include "AshviewQt/SettingsPages.h"
 
 #include "Ashview/Shell/DaysOffEditor.h"
+#include "Ashview/Shell/SettingsContent.h"
 #include "Ashview/Shell/SettingsText.h"
 #include "Ashview/Shell/SiteEditor.h"
 #include "AshviewQt/Form.h"
@@ -16,32 +17,30 @@ namespace {
 using Form::ButtonRole;
 using Form::TextStyle;
 
-QWidget* problem(GrayController::RulesProblem kind) {
+QWidget* problem(const std::string& text) {
     auto* page = new Form::Page;
-    page->add(Form::label(SettingsText::problemText(kind)));
+    page->add(Form::label(text));
     page->addStretch();
     return page;
 }
 
+QLabel* centred(QLabel* label) {
+    label->setAlignment(Qt::AlignCenter);
+    return label;
+}
+
 QWidget* empty(SettingsModel& model) {
+    SettingsContent::EmptyList screen = SettingsContent::emptyList(model);
     auto* page = new Form::Page;
-    page->layout()->addSpacing(60);
-    QLabel* title = Form::label(SettingsText::emptyTitle, TextStyle::title);
-    title->setAlignment(Qt::AlignCenter);
-    page->add(title);
-    QLabel* defaults = Form::label(SettingsText::emptyDefaults(model), TextStyle::secondary);
-    defaults->setAlignment(Qt::AlignCenter);
-    page->add(defaults);
+    page->layout()->addSpacing(120);
+    page->add(centred(Form::label(SettingsContent::EmptyList::title, TextStyle::title)));
+    page->add(centred(Form::label(screen.defaults, TextStyle::secondary)));
     page->layout()->addSpacing(10);
-    if (std::optional<std::string> host = model.frontSiteToAdd()) {
-        QWidget* add = Form::button(SettingsText::emptyAddTitle(*host), ButtonRole::prominent,
-                                    [&model] { model.addFrontSite(); });
+    if (screen.addButton) {
+        QWidget* add = Form::button(*screen.addButton, ButtonRole::prominent, [&model] { model.addFrontSite(); });
         page->layout()->addWidget(add, 0, Qt::AlignHCenter);
-    } else {
-        QLabel* hint = Form::label(SettingsText::emptyHint, TextStyle::secondary);
-        hint->setAlignment(Qt::AlignCenter);
-        page->add(hint);
     }
+    if (screen.hint) page->add(centred(Form::label(*screen.hint, TextStyle::secondary)));
     page->addStretch();
     return page;
 }
@@ -84,9 +83,9 @@ QWidget* site(SettingsModel& model, const SiteRule& rule) {
 
 QWidget* newSites(SettingsModel& model) {
     auto* page = new Form::Page;
-    page->add(Form::label(SettingsText::newSitesRow, TextStyle::title));
-    RuleForm::add(*page, std::make_shared<RuleEditor>(SettingsText::newSiteDefaultsEditor(model)));
-    page->footer(SettingsText::newSitesFooter);
+    page->add(Form::label(model.title(), TextStyle::title));
+    RuleForm::add(*page, std::make_shared<RuleEditor>(SettingsContent::newSitesEditor(model)));
+    page->footer(SettingsContent::newSitesFooter);
     page->addStretch();
     return page;
 }
@@ -154,17 +153,17 @@ QWidget* daysOff(SettingsModel& model, const Typing& typing) {
 }  // namespace
 
 QWidget* make(SettingsModel& model, const Typing& typing) {
-    if (const auto& kind = model.problem()) return problem(*kind);
-    const std::optional<SettingsModel::Page>& shown = model.page();
-    if (!shown) return empty(model);
-    switch (shown->kind) {
-        case SettingsModel::Page::Kind::site:
-            for (const SiteRule& rule : model.rules().sites)
-                if (rule.id == shown->site) return site(model, rule);
+    using Detail = SettingsContent::Detail;
+    switch (SettingsContent::detail(model)) {
+        case Detail::problem: return problem(SettingsContent::problemText(model).value_or(""));
+        case Detail::emptyList: return empty(model);
+        case Detail::site: {
+            if (std::optional<SiteRule> rule = SettingsContent::openSite(model)) return site(model, *rule);
             return empty(model);
-        case SettingsModel::Page::Kind::stats: return stats(model);
-        case SettingsModel::Page::Kind::newSites: return newSites(model);
-        case SettingsModel::Page::Kind::daysOff: return daysOff(model, typing);
+        }
+        case Detail::stats: return stats(model);
+        case Detail::newSites: return newSites(model);
+        case Detail::daysOff: return daysOff(model, typing);
     }
     return empty(model);
 }

@@ -1,6 +1,6 @@
 #include "AshviewQt/SettingsSidebar.h"
 
-#include "Ashview/Shell/SettingsText.h"
+#include "Ashview/Shell/SettingsContent.h"
 #include "AshviewQt/AppGlyph.h"
 #include "AshviewQt/Form.h"
 #include "AshviewQt/Theme.h"
@@ -103,7 +103,7 @@ SettingsSidebar::SettingsSidebar(SettingsModel& model, SettingsPages::Typing typ
       list_(new QListWidget(this)),
       addFrontSite_(addButton(this)),
       addApp_(addButton(this)),
-      chooseApp_(new QPushButton(Form::qt(SettingsText::chooseAppTitle), this)),
+      chooseApp_(new QPushButton(SettingsContent::AddArea::chooseAppTitle, this)),
       newHost_(new QLineEdit(this)),
       message_(Form::label("", Form::TextStyle::caption, this)) {
     setAutoFillBackground(true);
@@ -118,7 +118,7 @@ SettingsSidebar::SettingsSidebar(SettingsModel& model, SettingsPages::Typing typ
     list_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     list_->setUniformItemSizes(false);
     newHost_->setObjectName("newHost");
-    newHost_->setPlaceholderText(Form::qt(SettingsText::hostPlaceholder));
+    newHost_->setPlaceholderText(SettingsContent::AddArea::placeholder);
     newHost_->setClearButtonEnabled(true);
 
     auto* column = new QVBoxLayout(this);
@@ -163,35 +163,37 @@ void SettingsSidebar::update() {
 void SettingsSidebar::fillList() {
     QSignalBlocker quiet(list_);
     list_->clear();
-    list_->addItem(pageItem(SettingsText::statsRow, Page::stats(), AppGlyph::chart()));
-    auto* section = new QListWidgetItem(Form::qt(SettingsText::sitesSection));
-    section->setFlags(Qt::NoItemFlags);
-    list_->addItem(section);
-    for (const SiteRule& rule : model_.rules().sites) {
-        QPixmap icon = rule.isApp() ? AppGlyph::app(rule.displayName(), rule.host, model_.appIcons().icon(*rule.bundleID()) != nullptr)
-                                    : AppGlyph::site(rule.displayName());
-        list_->addItem(pageItem(rule.displayName(), Page::forSite(rule.id), icon, model_.statusText(rule)));
-    }
-    list_->addItem(pageItem(SettingsText::newSitesRow, Page::newSites(), AppGlyph::defaults()));
-    list_->addItem(pageItem(SettingsText::daysOffRow, Page::daysOff(), AppGlyph::calendar()));
     const QString current = model_.page() ? pageText(*model_.page()) : QString();
-    for (int row = 0; row < list_->count(); ++row) {
-        if (!current.isEmpty() && list_->item(row)->data(pageRole).toString() == current) list_->setCurrentRow(row);
+    for (const SettingsContent::SidebarRow& row : SettingsContent::sidebar(model_)) {
+        if (row.kind == SettingsContent::SidebarRow::Kind::section || !row.page) {
+            auto* section = new QListWidgetItem(Form::qt(row.title));
+            section->setFlags(Qt::NoItemFlags);
+            list_->addItem(section);
+            continue;
+        }
+        list_->addItem(pageItem(row.title, *row.page, icon(row), row.subtitle));
+        if (pageText(*row.page) == current) list_->setCurrentRow(list_->count() - 1);
     }
 }
 
-void SettingsSidebar::fillAddArea() {
-    std::optional<std::string> host = model_.frontSiteToAdd();
-    addFrontSite_->setVisible(host.has_value());
-    if (host) {
-        addFrontSite_->setText(Form::qt(SettingsText::addFrontSiteTitle(*host)));
-        addFrontSite_->setToolTip(Form::qt(SettingsText::addFrontSiteToolTip(*host)));
+QPixmap SettingsSidebar::icon(const SettingsContent::SidebarRow& row) {
+    switch (row.page->kind) {
+        case Page::Kind::stats: return AppGlyph::chart();
+        case Page::Kind::newSites: return AppGlyph::defaults();
+        case Page::Kind::daysOff: return AppGlyph::calendar();
+        case Page::Kind::site: break;
     }
-    std::optional<SettingsModel::AppToAdd> app = model_.appToAdd();
-    addApp_->setVisible(app.has_value());
-    if (app) {
-        addApp_->setText(Form::qt(SettingsText::addAppTitle(app->name)));
-        addApp_->setToolTip(Form::qt(SettingsText::addAppToolTip(app->name)));
+    if (!row.appBundleID) return AppGlyph::site(row.title);
+    return AppGlyph::app(row.title, *row.appBundleID, model_.appIcons().icon(*row.appBundleID) != nullptr);
+}
+
+void SettingsSidebar::fillAddArea() {
+    SettingsContent::AddArea area = SettingsContent::addArea(model_);
+    for (auto [button, offered] : {std::pair{addFrontSite_, &area.frontSite}, std::pair{addApp_, &area.app}}) {
+        button->setVisible(offered->has_value());
+        if (!*offered) continue;
+        button->setText(Form::qt((*offered)->title));
+        button->setToolTip(Form::qt((*offered)->toolTip));
     }
     const QString typed = Form::qt(model_.newHost());
     if (newHost_->text() != typed) newHost_->setText(typed);

@@ -5,6 +5,7 @@
 // box keeps its text and focus while the user types. Main thread only.
 #pragma once
 
+#include "Ashview/Shell/SettingsContent.h"
 #include "Ashview/Shell/SettingsModel.h"
 #include "AshviewQt/SettingsPages.h"
 
@@ -32,6 +33,7 @@ public:
 private:
     void fillList();
     void fillAddArea();
+    QPixmap icon(const SettingsContent::SidebarRow& row);
 
     SettingsModel& model_;
     SettingsPages::Typing typing_;

@@ -4,7 +4,7 @@
 #include "AshviewQt/Form.h"
 #include "AshviewQt/StatusGlyph.h"
 #include "AshviewQt/StatusItem.h"
-#include "AshviewQt/SettingsWindow.h"
+#include "AshviewQt/SettingsWidget.h"
 #include "AshviewQt/Theme.h"
 #include "Platform/Sim/SimAppServices.h"
 
@@ -137,7 +137,7 @@ std::vector<std::string> render(const std::filesystem::path& folder) {
 
     using Page = SettingsModel::Page;
     SettingsModel& model = stage.settings();
-    SettingsWindow window(model);
+    SettingsWidget window(model);
     const struct {
         Page page;
         const char* file;

@@ -3,11 +3,12 @@
 // shows its message and leaves the file as it was, every word comes from the
 // models, and an app's pickers offer no browser choices.
 #include "Ashview/Shell/DaysOffEditor.h"
+#include "Ashview/Shell/SettingsContent.h"
 #include "Ashview/Shell/SettingsText.h"
 #include "Ashview/Shell/SiteEditor.h"
 #include "AshviewCore/Foundation/Json.h"
 #include "AshviewQt/SettingsSidebar.h"
-#include "AshviewQt/SettingsWindow.h"
+#include "AshviewQt/SettingsWidget.h"
 
 #include "ShellStage.h"
 
@@ -43,16 +44,16 @@ std::string contents(const std::filesystem::path& path) {
 }
 
 /// A stage with two listed entries, a site and an app, and its window.
-class SettingsView : public ShellStage {
+class SettingsScreen : public ShellStage {
 public:
-    SettingsView() {
+    SettingsScreen() {
         startProgram();
         RuleSet rules = controller->rules();
         rules.addSite("example.com");
         rules.addApp("com.example.Game", "Game");
         setRules(rules);
         settings().setPage(SettingsModel::Page::forSite(controller->rules().sites[0].id));
-        window = std::make_unique<SettingsWindow>(settings());
+        window = std::make_unique<SettingsWidget>(settings());
         window->show();
         settle();
     }
@@ -84,7 +85,7 @@ public:
     }
     const SiteRule& site(std::size_t index) const { return controller->rules().sites.at(index); }
 
-    std::unique_ptr<SettingsWindow> window;
+    std::unique_ptr<SettingsWidget> window;
 };
 
 /// Every text the window shows: labels, buttons, placeholders, menus, rows
@@ -110,21 +111,21 @@ std::vector<std::string> shownTexts(QWidget& window) {
 
 struct EditCase {
     const char* name;
-    std::function<void(SettingsView&)> onScreen;
-    std::function<void(SettingsView&)> throughModel;
+    std::function<void(SettingsScreen&)> onScreen;
+    std::function<void(SettingsScreen&)> throughModel;
 };
 
-RuleEditor siteForm(SettingsView& view, std::size_t index) {
+RuleEditor siteForm(SettingsScreen& view, std::size_t index) {
     return SiteEditor(view.settings(), view.site(index)).ruleEditor();
 }
 
-TEST(SettingsWindow, ClicksAndTypingChangeTheRulesFileAsTheModelSays) {
+TEST(SettingsWidget, ClicksAndTypingChangeTheRulesFileAsTheModelSays) {
     using Page = SettingsModel::Page;
     const EditCase cases[] = {
-        {"certain hours", [](SettingsView& v) { v.click("Only between certain hours"); },
-         [](SettingsView& v) { siteForm(v, 0).chooseTimeOfDay(RuleEditor::TimeOfDay::certainHours); }},
+        {"certain hours", [](SettingsScreen& v) { v.click("Only between certain hours"); },
+         [](SettingsScreen& v) { siteForm(v, 0).chooseTimeOfDay(RuleEditor::TimeOfDay::certainHours); }},
         {"end time",
-         [](SettingsView& v) {
+         [](SettingsScreen& v) {
              v.click("Only between certain hours");
              auto* to = v.find<QTimeEdit>("To");
              to->setFocus();
@@ -132,76 +133,76 @@ TEST(SettingsWindow, ClicksAndTypingChangeTheRulesFileAsTheModelSays) {
              QTest::keyClick(to, Qt::Key_Return);
              settle();
          },
-         [](SettingsView& v) {
+         [](SettingsScreen& v) {
              siteForm(v, 0).chooseTimeOfDay(RuleEditor::TimeOfDay::certainHours);
              siteForm(v, 0).setEnd(6, 30);
          }},
-        {"weekdays", [](SettingsView& v) { v.click("Weekdays"); },
-         [](SettingsView& v) { siteForm(v, 0).chooseDays(RuleEditor::DaysChoice::weekdays); }},
+        {"weekdays", [](SettingsScreen& v) { v.click("Weekdays"); },
+         [](SettingsScreen& v) { siteForm(v, 0).chooseDays(RuleEditor::DaysChoice::weekdays); }},
         {"custom days, Sunday off",
-         [](SettingsView& v) {
+         [](SettingsScreen& v) {
              v.click("Custom");
              v.click("Sun");
          },
-         [](SettingsView& v) {
+         [](SettingsScreen& v) {
              siteForm(v, 0).chooseDays(RuleEditor::DaysChoice::custom);
              siteForm(v, 0).setDay(Weekday::sunday, false);
          }},
-        {"minutes limit on, then 25", [](SettingsView& v) {
+        {"minutes limit on, then 25", [](SettingsScreen& v) {
              v.click("Minutes on it");
              QSpinBox* minutes = v.find<QSpinBox>("Minutes on it stepper");
              minutes->setValue(25);
              settle();
          },
-         [](SettingsView& v) {
+         [](SettingsScreen& v) {
              siteForm(v, 0).setLimitOn(RuleEditor::Limit::minutes, true);
              siteForm(v, 0).setLimitValue(RuleEditor::Limit::minutes, 25);
          }},
         {"counted in a day",
-         [](SettingsView& v) {
+         [](SettingsScreen& v) {
              QComboBox* counted = v.find<QComboBox>("Counted");
              counted->setCurrentIndex(1);
              Q_EMIT counted->activated(1);
              settle();
          },
-         [](SettingsView& v) { siteForm(v, 0).chooseCounted(CountPeriod::day); }},
-        {"right away", [](SettingsView& v) { v.click("Right away"); },
-         [](SettingsView& v) { siteForm(v, 0).chooseTurnGray(RuleEditor::TurnGray::rightAway); }},
+         [](SettingsScreen& v) { siteForm(v, 0).chooseCounted(CountPeriod::day); }},
+        {"right away", [](SettingsScreen& v) { v.click("Right away"); },
+         [](SettingsScreen& v) { siteForm(v, 0).chooseTurnGray(RuleEditor::TurnGray::rightAway); }},
         {"stay gray for minutes",
-         [](SettingsView& v) { v.click("For a number of minutes, then color for the rest of that visit"); },
-         [](SettingsView& v) { siteForm(v, 0).chooseStay(RuleEditor::StayKind::forMinutes); }},
-        {"keep gray", [](SettingsView& v) { v.click("Keep gray"); },
-         [](SettingsView& v) { SiteEditor(v.settings(), v.site(0)).choosePin(SitePin::grayThisSite); }},
-        {"remove", [](SettingsView& v) { v.click("Remove from list"); },
-         [](SettingsView& v) { SiteEditor(v.settings(), v.site(0)).remove(); }},
+         [](SettingsScreen& v) { v.click("For a number of minutes, then color for the rest of that visit"); },
+         [](SettingsScreen& v) { siteForm(v, 0).chooseStay(RuleEditor::StayKind::forMinutes); }},
+        {"keep gray", [](SettingsScreen& v) { v.click("Keep gray"); },
+         [](SettingsScreen& v) { SiteEditor(v.settings(), v.site(0)).choosePin(SitePin::grayThisSite); }},
+        {"remove", [](SettingsScreen& v) { v.click("Remove from list"); },
+         [](SettingsScreen& v) { SiteEditor(v.settings(), v.site(0)).remove(); }},
         {"typed site",
-         [](SettingsView& v) {
+         [](SettingsScreen& v) {
              QLineEdit* box = v.find<QLineEdit>("newHost");
              QTest::keyClicks(box, "www.news.example.org");
              QTest::keyClick(box, Qt::Key_Return);
              settle();
          },
-         [](SettingsView& v) {
+         [](SettingsScreen& v) {
              v.settings().setNewHost("www.news.example.org");
              v.settings().addTypedSite();
          }},
         {"defaults for new sites",
-         [](SettingsView& v) {
-             v.select(SettingsText::newSitesRow);
+         [](SettingsScreen& v) {
+             v.select("Defaults for new sites");
              v.click("Weekends");
          },
-         [](SettingsView& v) {
+         [](SettingsScreen& v) {
              v.settings().setPage(Page::newSites());
-             SettingsText::newSiteDefaultsEditor(v.settings()).chooseDays(RuleEditor::DaysChoice::weekends);
+             SettingsContent::newSitesEditor(v.settings()).chooseDays(RuleEditor::DaysChoice::weekends);
          }},
         {"day off",
-         [](SettingsView& v) {
-             v.select(SettingsText::daysOffRow);
+         [](SettingsScreen& v) {
+             v.select("Days off");
              QTest::keyClicks(v.find<QLineEdit>("Name"), "Christmas");
              v.find<QDateEdit>("Date")->setDate(QDate(2026, 12, 25));
              v.click("Add day off");
          },
-         [](SettingsView& v) {
+         [](SettingsScreen& v) {
              v.settings().setDayOffName("Christmas");
              v.settings().setDayOffDate(*v.desktop.clock().calendar().date(2026, 12, 25, 12, 0, 0));
              v.settings().addTypedDayOff();
@@ -209,8 +210,8 @@ TEST(SettingsWindow, ClicksAndTypingChangeTheRulesFileAsTheModelSays) {
     };
     for (const EditCase& edit : cases) {
         SCOPED_TRACE(edit.name);
-        SettingsView onScreen;
-        SettingsView throughModel;
+        SettingsScreen onScreen;
+        SettingsScreen throughModel;
         const RuleSet before = onScreen.savedRules();
         edit.onScreen(onScreen);
         edit.throughModel(throughModel);
@@ -227,7 +228,7 @@ TEST(SettingsWindow, ClicksAndTypingChangeTheRulesFileAsTheModelSays) {
     }
 }
 
-TEST(SettingsWindow, ARefusedEditShowsItsMessageAndLeavesTheFileAsItWas) {
+TEST(SettingsWidget, ARefusedEditShowsItsMessageAndLeavesTheFileAsItWas) {
     const struct {
         const char* typed;
         const char* message;
@@ -237,7 +238,7 @@ TEST(SettingsWindow, ARefusedEditShowsItsMessageAndLeavesTheFileAsItWas) {
     };
     for (const auto& refused : cases) {
         SCOPED_TRACE(refused.typed);
-        SettingsView view;
+        SettingsScreen view;
         const std::string before = contents(view.rulesFile());
         QLineEdit* box = view.find<QLineEdit>("newHost");
         QTest::keyClicks(box, refused.typed);
@@ -255,13 +256,13 @@ TEST(SettingsWindow, ARefusedEditShowsItsMessageAndLeavesTheFileAsItWas) {
     std::ofstream(stage.rulesFile()) << R"({"schemaVersion": 99, "sites": []})";
     const std::string before = contents(stage.rulesFile());
     stage.startProgram();
-    SettingsWindow window(stage.settings());
+    SettingsWidget window(stage.settings());
     for (auto page : {SettingsModel::Page::stats(), SettingsModel::Page::newSites(), SettingsModel::Page::daysOff()}) {
         stage.settings().setPage(page);
         settle();
         std::vector<std::string> labels;
         for (QLabel* label : window.page()->findChildren<QLabel*>()) labels.push_back(label->text().toStdString());
-        EXPECT_EQ(labels, std::vector<std::string>{SettingsText::problemText(GrayController::RulesProblem::needsNewerApp)});
+        EXPECT_EQ(labels, std::vector<std::string>{*SettingsContent::problemText(stage.settings())});
     }
     QTest::keyClicks(window.findChild<QLineEdit*>("newHost"), "example.org");
     QTest::keyClick(window.findChild<QLineEdit*>("newHost"), Qt::Key_Return);
@@ -271,15 +272,11 @@ TEST(SettingsWindow, ARefusedEditShowsItsMessageAndLeavesTheFileAsItWas) {
 }
 
 /// Every word of the model for the page that is open.
-std::set<std::string> vocabulary(SettingsView& view) {
+std::set<std::string> vocabulary(SettingsScreen& view) {
     SettingsModel& model = view.settings();
     std::set<std::string> words{model.title(),
-                                SettingsText::statsRow,
-                                SettingsText::sitesSection,
-                                SettingsText::newSitesRow,
-                                SettingsText::daysOffRow,
-                                SettingsText::chooseAppTitle,
-                                SettingsText::hostPlaceholder,
+                                SettingsContent::AddArea::chooseAppTitle,
+                                SettingsContent::AddArea::placeholder,
                                 SettingsText::whenSection,
                                 SettingsText::timeOfDayLabel,
                                 SettingsText::daysLabel,
@@ -293,6 +290,7 @@ std::set<std::string> vocabulary(SettingsView& view) {
                                 SiteEditor::removeTitle,
                                 SiteEditor::overrideTitle,
                                 SiteEditor::usesDefaultsText};
+    for (const SettingsContent::SidebarRow& row : SettingsContent::sidebar(model)) words.insert({row.title, row.subtitle});
     for (const SiteRule& rule : model.rules().sites) {
         SiteEditor editor(model, rule);
         words.insert({editor.name(), model.statusText(rule), editor.summary(), editor.rightNow(), editor.pinLabel()});
@@ -309,10 +307,10 @@ std::set<std::string> vocabulary(SettingsView& view) {
     return words;
 }
 
-TEST(SettingsWindow, EveryWordComesFromTheModelAndAppsAreOfferedNoBrowserChoices) {
+TEST(SettingsWidget, EveryWordComesFromTheModelAndAppsAreOfferedNoBrowserChoices) {
     const std::string browsersOnly = "Until I quit my browsers";
     for (std::size_t index : {0u, 1u}) {
-        SettingsView view;
+        SettingsScreen view;
         view.select(view.site(index).displayName());
         std::set<std::string> words = vocabulary(view);
         std::vector<std::string> texts = shownTexts(*view.window);

@@ -15,14 +15,14 @@ namespace ashview {
 
 class SettingsSidebar;
 
-class SettingsWindow final : public QWidget {
+class SettingsWidget final : public QWidget {
 public:
     /// The content size, in points.
     static constexpr int width = 820;
     static constexpr int height = 640;
 
     /// `model` must outlive the window.
-    explicit SettingsWindow(SettingsModel& model, QWidget* parent = nullptr);
+    explicit SettingsWidget(SettingsModel& model, QWidget* parent = nullptr);
 
     /// Shows the model as it stands now, at once.
     void refresh();

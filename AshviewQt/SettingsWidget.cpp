@@ -1,4 +1,4 @@
-#include "AshviewQt/SettingsWindow.h"
+#include "AshviewQt/SettingsWidget.h"
 
 #include "AshviewQt/SettingsPages.h"
 #include "AshviewQt/SettingsSidebar.h"
@@ -8,7 +8,7 @@
 
 namespace ashview {
 
-SettingsWindow::SettingsWindow(SettingsModel& model, QWidget* parent)
+SettingsWidget::SettingsWidget(SettingsModel& model, QWidget* parent)
     : QWidget(parent),
       model_(model),
       sidebar_(new SettingsSidebar(model, [this](const std::function<void()>& change) { typing(change); }, this)),
@@ -31,7 +31,7 @@ SettingsWindow::SettingsWindow(SettingsModel& model, QWidget* parent)
     refresh();
 }
 
-void SettingsWindow::scheduleRefresh() {
+void SettingsWidget::scheduleRefresh() {
     if (refreshPending_) return;
     refreshPending_ = true;
     QMetaObject::invokeMethod(
@@ -43,7 +43,7 @@ void SettingsWindow::scheduleRefresh() {
         Qt::QueuedConnection);
 }
 
-void SettingsWindow::refresh() {
+void SettingsWidget::refresh() {
     setWindowTitle(QString::fromStdString(model_.title()));
     sidebar_->update();
     if (keepPage_)
@@ -52,12 +52,12 @@ void SettingsWindow::refresh() {
         rebuildPage();
 }
 
-void SettingsWindow::typing(const std::function<void()>& change) {
+void SettingsWidget::typing(const std::function<void()>& change) {
     keepPage_ = true;
     change();
 }
 
-void SettingsWindow::rebuildPage() {
+void SettingsWidget::rebuildPage() {
     // The control that had the focus, and how far the page was scrolled, are
     // found again on the new page.
     QString focused;
