@@ -121,7 +121,7 @@ struct ScenarioPlayer::State {
             loginItems,
             defaults,
             application,
-            views,
+            options.views ? *options.views : views,
             options.log,
             AppDelegate::Desktop{desktop->clock(), desktop->windowServer(), desktop->overlayWindows(),
                                  desktop->workspaceNotifications(), desktop->distributedNotifications(),
@@ -447,6 +447,26 @@ SimDesktop* ScenarioPlayer::desktop() { return state_->desktop.get(); }
 
 std::size_t ScenarioPlayer::firings() const {
     return state_->desktop ? state_->desktop->clock().firedCount() : 0;
+}
+
+SimApplications* ScenarioPlayer::applications() { return state_->apps.get(); }
+
+AppDelegate* ScenarioPlayer::delegate() { return state_->delegate.get(); }
+
+std::optional<double> ScenarioPlayer::waitSeconds(const ScenarioCommand& command) const {
+    using Kind = ScenarioCommand::Kind;
+    if (command.kind == Kind::wait) return command.seconds;
+    if (command.kind != Kind::waitUntil || !state_->desktop) return std::nullopt;
+    Instant target = state_->timeOfDay(state_->now(), command.seconds);
+    if (target <= state_->now())
+        target = state_->timeOfDay(state_->calendar().addingDays(state_->now(), 1), command.seconds);
+    return target - state_->now();
+}
+
+void ScenarioPlayer::pass(double seconds) {
+    if (!state_->desktop) return;
+    state_->desktop->clock().advance(seconds);
+    state_->show(false);
 }
 
 }  // namespace ashview

@@ -23,7 +23,10 @@
 
 namespace ashview {
 
+class AppDelegate;
+class SimApplications;
 class SimDesktop;
+class WindowViews;
 
 class ScenarioPlayer final {
 public:
@@ -39,6 +42,8 @@ public:
         std::string file;
         std::ostream& out;
         std::ostream& log;
+        /// The windows' views; without, the player's own headless ones.
+        WindowViews* views = nullptr;
     };
 
     explicit ScenarioPlayer(Options options);
@@ -63,6 +68,19 @@ public:
     SimDesktop* desktop();
     /// Timer and delayed-task firings of the virtual clock so far.
     std::size_t firings() const;
+
+    // For a player that shows the desktop and plays in real time.
+    /// The desktop's applications, made with it; absent before.
+    SimApplications* applications();
+    /// The running program; absent outside a run.
+    AppDelegate* delegate();
+    /// The virtual seconds a `wait` or `wait until` line lets pass from now;
+    /// nothing for any other line. Such a line may be played in slices
+    /// through `pass` instead of `step`.
+    std::optional<double> waitSeconds(const ScenarioCommand& command) const;
+    /// Lets `seconds` of virtual time pass (nothing before the desktop
+    /// exists); what a person sees is written when it changed.
+    void pass(double seconds);
 
 private:
     struct State;

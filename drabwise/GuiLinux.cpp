@@ -1,0 +1,174 @@
+#include "drabwise/Gui.h"
+
+#include "Ashview/App/AppDelegate.h"
+#include "Ashview/Controller/GrayController.h"
+#include "Ashview/Controller/Log.h"
+#include "AshviewQt/DesktopView.h"
+#include "AshviewQt/QtWindowViews.h"
+#include "AshviewQt/StatusItem.h"
+#include "AshviewQt/Theme.h"
+#include "Platform/Sim/SimDesktop.h"
+#include "Scenario/ScenarioPlayer.h"
+
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QTimer>
+#include <QToolButton>
+#include <QVBoxLayout>
+
+#include <iostream>
+
+namespace ashview {
+
+namespace {
+
+/// Real milliseconds between two steps of the virtual clock.
+constexpr int tickMilliseconds = 50;
+
+/// Plays the scenario line by line; a wait line lets its virtual time pass
+/// in slices, at the speed asked for. After the last line the clock goes on
+/// at that speed, so timers keep running while the person looks.
+class Playback final : public QObject {
+public:
+    Playback(const ScenarioScript& script, const GuiOptions& options)
+        : script_(script),
+          speed_(options.speed),
+          player_({options.dataDirectory, options.file, std::cout, std::cerr, &views_}) {}
+
+    ScenarioPlayer& player() { return player_; }
+    int status() const { return status_; }
+
+    /// Plays up to the first wait (which makes the desktop), then goes on
+    /// from the event loop.
+    void start(std::function<void()> onTick) {
+        onTick_ = std::move(onTick);
+        advance(0);
+        connect(&timer_, &QTimer::timeout, this, [this] {
+            advance(speed_ * static_cast<double>(clock_.restart()) / 1000.0);
+        });
+        clock_.start();
+        timer_.start(tickMilliseconds);
+    }
+
+private:
+    void advance(double seconds) {
+        while (status_ == ScenarioPlayer::finished && next_ < script_.commands.size()) {
+            const ScenarioCommand& command = script_.commands[next_];
+            if (!waiting_) {
+                if (std::optional<double> wait = player_.waitSeconds(command)) {
+                    if (SimDesktop* desktop = player_.desktop())
+                        std::cout << Log::clockText(desktop->clock().now(), desktop->clock().calendar());
+                    std::cout << " > " << command.text << "\n" << std::flush;
+                    waiting_ = *wait;
+                } else {
+                    status_ = player_.step(command);
+                    ++next_;
+                    continue;
+                }
+            }
+            const double slice = std::min(*waiting_, seconds);
+            player_.pass(slice);
+            seconds -= slice;
+            *waiting_ -= slice;
+            if (*waiting_ > 0) break;
+            waiting_.reset();
+            ++next_;
+        }
+        if (next_ >= script_.commands.size() && seconds > 0) player_.pass(seconds);
+        if (onTick_) onTick_();
+    }
+
+    const ScenarioScript& script_;
+    double speed_;
+    QtWindowViews views_;
+    ScenarioPlayer player_;
+    QTimer timer_;
+    QElapsedTimer clock_;
+    std::size_t next_ = 0;
+    std::optional<double> waiting_;
+    int status_ = ScenarioPlayer::finished;
+    std::function<void()> onTick_;
+};
+
+/// The strip across the top: the program's status item at the right, with
+/// its real menu, and the virtual time.
+QWidget* menuBar(StatusItem& item, QLabel*& time) {
+    auto* strip = new QWidget;
+    strip->setAutoFillBackground(true);
+    QPalette shade = strip->palette();
+    shade.setColor(QPalette::Window, QColor(0xf2, 0xf2, 0xf4));
+    strip->setPalette(shade);
+    strip->setFixedHeight(26);
+    auto* line = new QHBoxLayout(strip);
+    line->setContentsMargins(12, 0, 12, 0);
+    auto* title = new QLabel("Simulated desktop");
+    title->setFont(Theme::font(13, QFont::DemiBold));
+    line->addWidget(title);
+    line->addStretch(1);
+    auto* status = new QToolButton;
+    status->setObjectName("statusItem");
+    status->setIcon(item.icon());
+    status->setToolTip("Drabwise");
+    status->setAutoRaise(true);
+    status->setPopupMode(QToolButton::InstantPopup);
+    status->setMenu(&item.menu());
+    status->setStyleSheet("QToolButton::menu-indicator { image: none; }");
+    line->addWidget(status);
+    time = new QLabel;
+    time->setFont(Theme::evenDigitFont(13));
+    line->addWidget(time);
+    return strip;
+}
+
+}  // namespace
+
+int runGui(int& argc, char** argv, const ScenarioScript& script, const GuiOptions& options) {
+    QApplication application(argc, argv);
+    application.setApplicationName("Drabwise");
+    Theme::apply(application);
+
+    Playback playback(script, options);
+    ScenarioPlayer& player = playback.player();
+    StatusItem item(
+        [&player]() -> std::vector<MenuItem> {
+            AppDelegate* delegate = player.delegate();
+            if (!delegate || !delegate->statusMenu()) return {};
+            return delegate->statusMenu()->menuNeedsUpdate();
+        },
+        SystemActions{[&player] {
+                          if (AppDelegate* delegate = player.delegate()) delegate->checkForUpdates();
+                      },
+                      {}});
+
+    QWidget window;
+    window.setWindowTitle("Drabwise on a simulated desktop");
+    auto* column = new QVBoxLayout(&window);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(0);
+    QLabel* time = nullptr;
+    column->addWidget(menuBar(item, time));
+    auto* desktop = new DesktopView;
+    column->addWidget(desktop, 1);
+    window.resize(1200, 776);
+
+    // Quitting from the menu or closing the desktop ends the run the normal
+    // way: the program stops and saves before the process ends.
+    QObject::connect(&application, &QCoreApplication::aboutToQuit, [&player] { player.finish(); });
+
+    playback.start([&] {
+        if (SimDesktop* simulated = player.desktop()) {
+            desktop->setDesktop(simulated, player.applications());
+            time->setText(QString::fromStdString(
+                Log::clockText(simulated->clock().now(), simulated->clock().calendar())));
+        }
+        desktop->update();
+    });
+    window.show();
+    item.showInTray();
+    const int ended = application.exec();
+    return playback.status() != ScenarioPlayer::finished ? playback.status() : ended;
+}
+
+}  // namespace ashview

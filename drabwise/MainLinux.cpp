@@ -1,6 +1,7 @@
 // The Linux entry of `drabwise`: the real application over the simulated
 // desktop, driven by a scenario. (The Mac program takes no arguments; this
 // file is its Linux counterpart and is built only there.)
+#include "drabwise/Gui.h"
 #include "Scenario/BuiltInScenario.h"
 #include "Scenario/ScenarioPlayer.h"
 #include "Scenario/ScenarioScript.h"
@@ -19,10 +20,15 @@ constexpr int badUsage = 2;
 
 const char* const usage =
     "usage: drabwise [--data-dir DIR] [SCENARIO-FILE]\n"
+    "       drabwise --gui [--speed N] [--data-dir DIR] [SCENARIO-FILE]\n"
     "\n"
     "Runs Drabwise on a simulated desktop, driven by a scenario (see\n"
     "docs/scenarios.md). Without a file it plays a built-in short day.\n"
     "\n"
+    "  --gui           show the desktop, the status item and the windows in a\n"
+    "                  window and play the scenario in real time; you can\n"
+    "                  click, drag and retype windows and use the menu\n"
+    "  --speed N       with --gui, N virtual seconds for each real one (1)\n"
     "  --data-dir DIR  keep the rules, counters and history in DIR (kept\n"
     "                  afterwards); else $DRABWISE_DATA_DIR; else a fresh\n"
     "                  temporary folder, removed at the end\n"
@@ -59,11 +65,26 @@ private:
 int main(int argc, char** argv) {
     std::optional<std::string> dataDir;
     std::optional<std::string> file;
+    bool gui = false;
+    std::optional<double> speed;
     for (int i = 1; i < argc; ++i) {
         std::string argument = argv[i];
         if (argument == "-h" || argument == "--help") {
             std::cout << usage;
             return 0;
+        }
+        if (argument == "--gui") {
+            gui = true;
+            continue;
+        }
+        if (argument == "--speed") {
+            char* end = nullptr;
+            speed = i + 1 < argc ? std::strtod(argv[++i], &end) : 0;
+            if (!end || *end != '\0' || !(*speed > 0)) {
+                std::cerr << "drabwise: --speed needs a number above 0\n" << usage;
+                return badUsage;
+            }
+            continue;
         }
         if (argument == "--data-dir" || argument.starts_with("--data-dir=")) {
             if (argument == "--data-dir") {
@@ -117,6 +138,10 @@ int main(int argc, char** argv) {
         text = std::string(ashview::builtInScenario);
     }
 
+    if (speed && !gui) {
+        std::cerr << "drabwise: --speed goes with --gui\n" << usage;
+        return badUsage;
+    }
     auto parsed = ashview::ScenarioScript::parse(text, name);
     if (auto* error = std::get_if<ashview::ScenarioError>(&parsed)) {
         std::cerr << error->message() << "\n";
@@ -137,6 +162,10 @@ int main(int argc, char** argv) {
         dataDir = temporary->path().string();
     }
 
+    if (gui) {
+        return ashview::runGui(argc, argv, std::get<ashview::ScenarioScript>(parsed),
+                               {std::filesystem::absolute(*dataDir), name, speed.value_or(1.0)});
+    }
     int status = 0;
     {
         ashview::ScenarioPlayer player({std::filesystem::absolute(*dataDir), name, std::cout, std::cerr});

@@ -1,6 +1,7 @@
 #include "Pictures.h"
 
 #include "Ashview/Shell/StatusMenu.h"
+#include "AshviewQt/DesktopView.h"
 #include "AshviewQt/Form.h"
 #include "AshviewQt/StatusGlyph.h"
 #include "AshviewQt/StatusItem.h"
@@ -128,6 +129,11 @@ std::vector<std::string> render(const std::filesystem::path& folder) {
     ShellStage stage(ShellStage::berlin().date(2026, 2, 25, 8, 0, 0).value());
     stage.startProgram();
     stage.furnish();
+
+    DesktopView desktop;
+    desktop.setDesktop(&stage.desktop, &stage.apps);
+    desktop.resize(1080, 675);
+    save(windowPicture(desktop, "Drabwise on a simulated desktop"), folder, "desktop.png", written);
 
     SimLoginItemService loginItems;
     std::ostringstream errors;

@@ -112,6 +112,11 @@ public:
         apps.setPermission(safari, SimPermission::notDecided);
         apps.launchBrowser(safari);
         advance(60);
+        // The video site again, past its limit, beside a window of notes.
+        std::int32_t notes = apps.launchApp("com.apple.Notes", "Notes");
+        apps.openWindow(notes, Rect{900, 420, 480, 380});
+        apps.openWindow(chromePID, Rect{420, 300, 860, 540}, "https://www.youtube.com/watch?v=7");
+        advance(6);
     }
 
     TempFolder folder;

@@ -1,0 +1,17 @@
+// The windows of the program drawn with Qt: what the shell's window owners
+// ask for when they first show a window. Main thread only; the models handed
+// in must outlive the views made over them.
+#pragma once
+
+#include "Ashview/Shell/WindowView.h"
+
+namespace ashview {
+
+class QtWindowViews final : public WindowViews {
+public:
+    std::unique_ptr<WindowView> settingsView(SettingsModel& model) override;
+    std::unique_ptr<WindowView> setupView(SetupModel& model, std::function<void()> onClose) override;
+    std::unique_ptr<WindowView> aboutView(const AboutPage& page) override;
+};
+
+}  // namespace ashview
