@@ -75,40 +75,47 @@ QPixmap app(const std::string& name, const std::string& key, bool known) {
     });
 }
 
-QPixmap chart() {
-    return drawn([](QPainter& painter) {
+namespace {
+
+/// A white glyph on a coloured tile, as the rows of the system's settings.
+QPixmap tile(const QColor& colour, const std::function<void(QPainter&)>& glyph) {
+    return drawn([&](QPainter& painter) {
         painter.setPen(Qt::NoPen);
-        painter.setBrush(Theme::accent());
-        const qreal heights[] = {7, 12, 9, 15};
+        painter.setBrush(colour);
+        painter.drawRoundedRect(QRectF(1, 1, points - 2, points - 2), 4.5, 4.5);
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(Qt::white);
+        glyph(painter);
+    });
+}
+
+}  // namespace
+
+QPixmap chart() {
+    return tile(Theme::accent(), [](QPainter& painter) {
+        const qreal heights[] = {5, 9, 7, 11};
         for (int bar = 0; bar < 4; ++bar)
-            painter.drawRoundedRect(QRectF(2.5 + bar * 4.0, 18 - heights[bar], 3, heights[bar]), 1, 1);
+            painter.drawRoundedRect(QRectF(4.5 + bar * 3.0, 15 - heights[bar], 2, heights[bar]), 0.8, 0.8);
     });
 }
 
 QPixmap defaults() {
-    return drawn([](QPainter& painter) {
-        painter.setPen(QPen(QColor(0x8e, 0x8e, 0x93), 1.6, Qt::SolidLine, Qt::RoundCap));
-        for (int line = 0; line < 3; ++line) painter.drawLine(QPointF(3, 5 + line * 5.0), QPointF(17, 5 + line * 5.0));
-        painter.setPen(Qt::NoPen);
-        painter.setBrush(QColor(0x8e, 0x8e, 0x93));
-        const qreal knobs[] = {12, 6, 14};
-        for (int line = 0; line < 3; ++line) painter.drawEllipse(QPointF(knobs[line], 5 + line * 5.0), 2.4, 2.4);
+    return tile(QColor(0x8e, 0x8e, 0x93), [](QPainter& painter) {
+        painter.setPen(QPen(Qt::white, 1.3, Qt::SolidLine, Qt::RoundCap));
+        for (int line = 0; line < 3; ++line) painter.drawLine(QPointF(5, 6 + line * 4.0), QPointF(15, 6 + line * 4.0));
+        painter.setPen(QPen(QColor(0x8e, 0x8e, 0x93), 1));
+        const qreal knobs[] = {12, 7, 10};
+        for (int line = 0; line < 3; ++line) painter.drawEllipse(QPointF(knobs[line], 6 + line * 4.0), 2.1, 2.1);
     });
 }
 
 QPixmap calendar() {
-    return drawn([](QPainter& painter) {
-        QRectF page(2.5, 3.5, 15, 14);
-        painter.setPen(QPen(QColor(0xff, 0x3b, 0x30), 1.4));
-        painter.setBrush(Qt::white);
-        painter.drawRoundedRect(page, 3, 3);
-        painter.setPen(Qt::NoPen);
+    return tile(QColor(0xff, 0x3b, 0x30), [](QPainter& painter) {
+        painter.drawRoundedRect(QRectF(4.5, 5, 11, 10.5), 1.5, 1.5);
         painter.setBrush(QColor(0xff, 0x3b, 0x30));
-        painter.drawRect(QRectF(2.5, 3.5, 15, 4));
-        painter.setBrush(QColor(0x8e, 0x8e, 0x93));
         for (int row = 0; row < 2; ++row)
             for (int column = 0; column < 3; ++column)
-                painter.drawEllipse(QPointF(6.5 + column * 3.5, 11 + row * 3.5), 0.9, 0.9);
+                painter.drawRect(QRectF(6 + column * 3.0, 9 + row * 3.0, 1.8, 1.8));
     });
 }
 

@@ -80,10 +80,18 @@ QWidget* chart(const StatsPage& page) {
     across->append(days);
     across->setGridLineVisible(false);
     across->setLabelsFont(Theme::font(11));
+    // Round steps of minutes, four or five of them up the side.
+    double step = 5;
+    for (double round : {5.0, 10.0, 15.0, 20.0, 30.0, 60.0, 120.0, 240.0})
+        if (highest / round <= 4) {
+            step = round;
+            break;
+        }
+    const double top = std::max(step, std::ceil(highest / step) * step);
     auto* up = new QValueAxis;
-    up->setRange(0, std::max(10.0, std::ceil(highest / 10.0) * 10.0));
+    up->setRange(0, top);
     up->setLabelFormat("%d");
-    up->setTickCount(5);
+    up->setTickCount(static_cast<int>(top / step) + 1);
     up->setLabelsFont(Theme::evenDigitFont(10));
     up->setGridLineColor(QColor(0xe5, 0xe5, 0xe7));
     drawing->addAxis(across, Qt::AlignBottom);

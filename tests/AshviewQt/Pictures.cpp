@@ -126,7 +126,7 @@ void save(const QImage& image, const std::filesystem::path& folder, const std::s
 std::vector<std::string> render(const std::filesystem::path& folder) {
     std::filesystem::create_directories(folder);
     std::vector<std::string> written;
-    ShellStage stage(ShellStage::berlin().date(2026, 2, 25, 8, 0, 0).value());
+    ShellStage stage(ShellStage::berlin().date(2026, 2, 24, 8, 0, 0).value());
     stage.startProgram();
     stage.furnish();
 
