@@ -6,6 +6,8 @@
 #include "Ashview/Shell/SettingsContent.h"
 #include "Ashview/Shell/SettingsText.h"
 #include "Ashview/Shell/SiteEditor.h"
+#include "Ashview/Shell/StatsPage.h"
+#include "AshviewQt/Theme.h"
 #include "AshviewCore/Foundation/Json.h"
 #include "AshviewQt/SettingsSidebar.h"
 #include "AshviewQt/SettingsWidget.h"
@@ -18,6 +20,7 @@
 #include <QDateEdit>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMessageBox>
 #include <QSpinBox>
 #include <QTest>
 
@@ -318,6 +321,54 @@ TEST(SettingsWidget, EveryWordComesFromTheModelAndAppsAreOfferedNoBrowserChoices
         bool offersBrowsers = std::count(texts.begin(), texts.end(), browsersOnly) > 0;
         EXPECT_EQ(offersBrowsers, !view.site(index).isApp()) << view.site(index).displayName();
     }
+}
+
+TEST(SettingsWidget, TheStatisticsPageShowsEvenFiguresAndClearsOnlyAfterConfirming) {
+    // Visits yesterday and two weeks ago: a row with a comparison.
+    SettingsScreen view;
+    for (int day : {0, 13}) {
+        view.desktop.clock().advanceTo(view.at(day, 10, 1));
+        view.browse("https://example.com/");
+        view.advance(150);
+        view.apps.quit(view.chromePID);
+        view.chromePID = 0;
+    }
+    view.desktop.clock().advanceTo(view.at(14, 10));
+    view.settings().refreshStatistics();
+    view.settings().setPage(SettingsModel::Page::stats());
+    settle();
+    auto page = [&] {
+        std::string words;
+        for (QLabel* label : view.window->page()->findChildren<QLabel*>()) words += label->text().toStdString() + "\n";
+        return words;
+    };
+    const std::string counted = page();
+    EXPECT_EQ(view.window->page()->findChild<QLabel*>("lead")->text().toStdString(),
+              StatsPage::make(view.settings()).lead);
+
+    // The figures of the row: right-aligned columns of 88, 88 and 124 points.
+    std::vector<int> widths;
+    for (QLabel* label : view.window->page()->findChildren<QLabel*>()) {
+        if (!(label->alignment() & Qt::AlignRight) || label->maximumWidth() > 200) continue;
+        EXPECT_TRUE(Theme::hasEvenDigits(label->font())) << label->text().toStdString();
+        widths.push_back(label->width());
+    }
+    EXPECT_EQ(widths, (std::vector<int>{88, 88, 124}));
+
+    auto confirmation = [&] { return view.window->findChild<QMessageBox*>("confirmation"); };
+    for (const char* answer : {StatsPage::cancelTitle, StatsPage::confirmTitle}) {
+        view.click(StatsPage::clearTitle);
+        QMessageBox* box = confirmation();
+        ASSERT_NE(box, nullptr);
+        EXPECT_EQ(box->text().toStdString(), StatsPage::confirmationTitle);
+        EXPECT_EQ(box->informativeText().toStdString(), StatsPage::confirmationMessage);
+        for (QAbstractButton* button : box->buttons())
+            if (button->text() == answer) QTest::mouseClick(button, Qt::LeftButton);
+        settle();
+        EXPECT_EQ(confirmation(), nullptr);
+        EXPECT_EQ(page() == counted, answer == std::string(StatsPage::cancelTitle)) << answer;
+    }
+    EXPECT_TRUE(StatsPage::make(view.settings()).rows.empty()) << "the history is gone";
 }
 
 }  // namespace
