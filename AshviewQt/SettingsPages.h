@@ -9,6 +9,7 @@
 
 #include <functional>
 
+class QMessageBox;
 class QWidget;
 
 namespace ashview::SettingsPages {
@@ -22,5 +23,8 @@ QWidget* make(SettingsModel& model, const Typing& typing);
 
 /// The statistics page (in its own file).
 QWidget* stats(SettingsModel& model);
+/// The confirmation before the history is cleared, open over `parent`; it
+/// answers the model and deletes itself when closed.
+QMessageBox* confirmClear(SettingsModel& model, QWidget* parent);
 
 }  // namespace ashview::SettingsPages

@@ -3,10 +3,53 @@
 #include "AshviewQt/SettingsPages.h"
 #include "AshviewQt/SettingsSidebar.h"
 
+#include <QAbstractButton>
+#include <QAbstractSpinBox>
+#include <QComboBox>
 #include <QHBoxLayout>
+#include <QLabel>
 #include <QScrollBar>
 
 namespace ashview {
+
+namespace {
+
+/// What a control shows besides its label's words: its kind, name, words,
+/// state and value.
+QString shape(QWidget* widget) {
+    QString text = QString(widget->metaObject()->className()) + "|" + widget->objectName() + "|" +
+                   (widget->isEnabled() ? "on" : "off") + "|" + (widget->isVisibleTo(widget->window()) ? "shown" : "");
+    if (auto* button = qobject_cast<QAbstractButton*>(widget))
+        text += "|" + button->text() + "|" + (button->isChecked() ? "checked" : "");
+    if (auto* menu = qobject_cast<QComboBox*>(widget)) {
+        for (int index = 0; index < menu->count(); ++index) text += "|" + menu->itemText(index);
+        text += "|" + QString::number(menu->currentIndex());
+    }
+    if (auto* spin = qobject_cast<QAbstractSpinBox*>(widget)) text += "|" + spin->text();
+    return text;
+}
+
+/// Brings the words of `shown` up to those of `built` when the two pages
+/// differ in nothing else, so that a page whose state line moved on keeps
+/// its focus, open menus and typed text. False when they differ in more.
+bool takeWords(QWidget& shown, QWidget& built) {
+    const QList<QWidget*> old = shown.findChildren<QWidget*>();
+    const QList<QWidget*> fresh = built.findChildren<QWidget*>();
+    if (old.size() != fresh.size()) return false;
+    for (qsizetype index = 0; index < old.size(); ++index) {
+        const bool bothLabels = qobject_cast<QLabel*>(old[index]) && qobject_cast<QLabel*>(fresh[index]);
+        if (!bothLabels && shape(old[index]) != shape(fresh[index])) return false;
+    }
+    for (qsizetype index = 0; index < old.size(); ++index) {
+        if (auto* label = qobject_cast<QLabel*>(old[index])) {
+            const QString words = static_cast<QLabel*>(fresh[index])->text();
+            if (label->text() != words) label->setText(words);
+        }
+    }
+    return true;
+}
+
+}  // namespace
 
 SettingsWidget::SettingsWidget(SettingsModel& model, QWidget* parent)
     : QWidget(parent),
@@ -50,6 +93,10 @@ void SettingsWidget::refresh() {
         keepPage_ = false;
     else
         rebuildPage();
+    // The confirmation stands over the window, through every redraw of the
+    // page beneath it.
+    if (model_.showsClearConfirmation() && !confirmation_) confirmation_ = SettingsPages::confirmClear(model_, this);
+    if (!model_.showsClearConfirmation() && confirmation_) confirmation_->close();
 }
 
 void SettingsWidget::typing(const std::function<void()>& change) {
@@ -58,6 +105,11 @@ void SettingsWidget::typing(const std::function<void()>& change) {
 }
 
 void SettingsWidget::rebuildPage() {
+    QWidget* page = SettingsPages::make(model_, [this](const std::function<void()>& change) { typing(change); });
+    if (QWidget* old = detail_->widget(); old && takeWords(*old, *page)) {
+        delete page;
+        return;
+    }
     // The control that had the focus, and how far the page was scrolled, are
     // found again on the new page.
     QString focused;
@@ -70,7 +122,6 @@ void SettingsWidget::rebuildPage() {
         old->hide();
         old->deleteLater();
     }
-    QWidget* page = SettingsPages::make(model_, [this](const std::function<void()>& change) { typing(change); });
     detail_->setWidget(page);
     page->adjustSize();
     detail_->verticalScrollBar()->setValue(scrolled);

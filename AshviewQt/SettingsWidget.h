@@ -8,6 +8,8 @@
 #include "Ashview/Shell/SettingsModel.h"
 #include "Ashview/Shell/Signal.h"
 
+#include <QMessageBox>
+#include <QPointer>
 #include <QScrollArea>
 #include <QWidget>
 
@@ -39,6 +41,7 @@ private:
     SettingsSidebar* sidebar_;
     QScrollArea* detail_;
     Signal::Connection watch_;
+    QPointer<QMessageBox> confirmation_;
     bool refreshPending_ = false;
     bool keepPage_ = false;
 };

@@ -109,24 +109,6 @@ QWidget* chart(const StatsPage& page) {
     return view;
 }
 
-void confirm(SettingsModel& model, QWidget* page) {
-    auto* box = new QMessageBox(QMessageBox::Warning, StatsPage::confirmationTitle, StatsPage::confirmationTitle,
-                                QMessageBox::NoButton, page);
-    box->setObjectName("confirmation");
-    box->setInformativeText(StatsPage::confirmationMessage);
-    QPushButton* clear = box->addButton(StatsPage::confirmTitle, QMessageBox::DestructiveRole);
-    QPushButton* cancel = box->addButton(StatsPage::cancelTitle, QMessageBox::RejectRole);
-    box->setDefaultButton(cancel);
-    box->setAttribute(Qt::WA_DeleteOnClose);
-    QObject::connect(box, &QMessageBox::buttonClicked, box, [&model, clear](QAbstractButton* pressed) {
-        if (pressed == clear)
-            model.clearHistory();
-        else
-            model.setShowsClearConfirmation(false);
-    });
-    box->open();
-}
-
 }  // namespace
 
 QWidget* stats(SettingsModel& model) {
@@ -159,8 +141,27 @@ QWidget* stats(SettingsModel& model) {
     line->addWidget(clear);
     page->add(foot);
     page->addStretch();
-    if (model.showsClearConfirmation()) confirm(model, page);
     return page;
 }
+
+QMessageBox* confirmClear(SettingsModel& model, QWidget* parent) {
+    auto* box = new QMessageBox(QMessageBox::Warning, StatsPage::confirmationTitle, StatsPage::confirmationTitle,
+                                QMessageBox::NoButton, parent);
+    box->setObjectName("confirmation");
+    box->setInformativeText(StatsPage::confirmationMessage);
+    QPushButton* clear = box->addButton(StatsPage::confirmTitle, QMessageBox::DestructiveRole);
+    QPushButton* cancel = box->addButton(StatsPage::cancelTitle, QMessageBox::RejectRole);
+    box->setDefaultButton(cancel);
+    box->setAttribute(Qt::WA_DeleteOnClose);
+    QObject::connect(box, &QMessageBox::buttonClicked, box, [&model, clear](QAbstractButton* pressed) {
+        if (pressed == clear)
+            model.clearHistory();
+        else
+            model.setShowsClearConfirmation(false);
+    });
+    box->open();
+    return box;
+}
+
 
 }  // namespace ashview::SettingsPages

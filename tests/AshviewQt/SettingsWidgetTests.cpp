@@ -371,5 +371,24 @@ TEST(SettingsWidget, TheStatisticsPageShowsEvenFiguresAndClearsOnlyAfterConfirmi
     EXPECT_TRUE(StatsPage::make(view.settings()).rows.empty()) << "the history is gone";
 }
 
+TEST(SettingsWidget, APassThatOnlyMovesTheStateOnKeepsTheControlsInHand) {
+    SettingsScreen view;
+    QComboBox* counted = view.find<QComboBox>("Counted");
+    counted->setFocus();
+    const std::string before = SiteEditor(view.settings(), view.site(0)).rightNow();
+    view.controller->showInColor(5);
+    view.settings().reload();
+    settle();
+    const std::string after = SiteEditor(view.settings(), view.site(0)).rightNow();
+    ASSERT_NE(after, before);
+    EXPECT_EQ(view.find<QComboBox>("Counted"), counted) << "the same control, still focused";
+    std::vector<std::string> texts = shownTexts(*view.window);
+    EXPECT_NE(std::find(texts.begin(), texts.end(), after), texts.end());
+
+    // A change of what the form offers builds the page anew.
+    view.click("Right away");
+    EXPECT_EQ(view.window->findChild<QComboBox*>("Counted"), nullptr);
+}
+
 }  // namespace
 }  // namespace ashview
