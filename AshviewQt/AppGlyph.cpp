@@ -3,6 +3,7 @@
 #include "AshviewQt/Theme.h"
 
 #include <QPainter>
+#include <QPixmapCache>
 
 #include <functional>
 
@@ -47,12 +48,18 @@ void letter(QPainter& painter, const QString& text, const QColor& colour) {
 }  // namespace
 
 QPixmap site(const std::string& name) {
-    return drawn([&](QPainter& painter) {
+    // Drawn once per name: a long list draws many at each redraw.
+    const QString key = "site-glyph:" + QString::fromStdString(name);
+    QPixmap image;
+    if (QPixmapCache::find(key, &image)) return image;
+    image = drawn([&](QPainter& painter) {
         painter.setPen(Qt::NoPen);
         painter.setBrush(tint(name));
         painter.drawEllipse(QRectF(1, 1, points - 2, points - 2));
         letter(painter, initial(name), Qt::white);
     });
+    QPixmapCache::insert(key, image);
+    return image;
 }
 
 QPixmap app(const std::string& name, const std::string& key, bool known) {

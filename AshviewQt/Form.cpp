@@ -10,11 +10,22 @@ namespace ashview::Form {
 
 QString qt(const std::string& text) { return QString::fromStdString(text); }
 
+QWidget* hairline(QWidget* parent) {
+    auto* line = new QWidget(parent);
+    line->setFixedHeight(1);
+    line->setAutoFillBackground(true);
+    QPalette shade = line->palette();
+    shade.setColor(QPalette::Window, QColor(0xe5, 0xe5, 0xe7));
+    line->setPalette(shade);
+    return line;
+}
+
 QLabel* label(const std::string& text, TextStyle style, QWidget* parent) {
     auto* shown = new QLabel(qt(text), parent);
     shown->setTextFormat(Qt::PlainText);
-    shown->setWordWrap(true);
-    shown->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    // Wrapping makes a label lay its text out again at every width the
+    // layout tries: only sentences wrap.
+    shown->setWordWrap(text.size() > 40);
     QPalette palette = shown->palette();
     switch (style) {
         case TextStyle::body: break;
@@ -36,17 +47,13 @@ QLabel* label(const std::string& text, TextStyle style, QWidget* parent) {
 
 Group::Group(QWidget* parent) : QFrame(parent), rows_(new QVBoxLayout(this)) {
     setObjectName("group");
-    setStyleSheet("#group { background: white; border: 1px solid #dcdcde; border-radius: 8px; }");
     rows_->setContentsMargins(12, 4, 12, 4);
     rows_->setSpacing(0);
 }
 
 void Group::addRow(QWidget* content) {
     if (rows_->count() > 0) {
-        auto* line = new QFrame(this);
-        line->setFixedHeight(1);
-        line->setStyleSheet("background: #e5e5e7; border: none;");
-        rows_->addWidget(line);
+        rows_->addWidget(hairline(this));
     }
     auto* row = new QWidget(this);
     auto* box = new QVBoxLayout(row);
@@ -118,13 +125,7 @@ QWidget* segmented(const std::string& name, const std::vector<Choice>& choices, 
         auto* segment = new QPushButton(qt(choices[index].title), strip);
         segment->setCheckable(true);
         segment->setChecked(choices[index].selected);
-        QString radius = index == 0 ? "border-top-left-radius: 6px; border-bottom-left-radius: 6px;"
-                         : index + 1 == choices.size()
-                             ? "border-top-right-radius: 6px; border-bottom-right-radius: 6px;"
-                             : "";
-        segment->setStyleSheet(
-            "QPushButton { background: #f4f4f5; border: 1px solid #c8c8cc; padding: 3px 12px; " + radius +
-            (index > 0 ? " border-left: none;" : "") + " } QPushButton:checked { background: white; font-weight: 600; }");
+        segment->setProperty("segment", index == 0 ? "first" : index + 1 == choices.size() ? "last" : "middle");
         buttons->addButton(segment, static_cast<int>(index));
         line->addWidget(segment);
     }
@@ -177,14 +178,8 @@ QWidget* button(const std::string& title, ButtonRole role, std::function<void()>
     pushed->setObjectName(qt(title));
     switch (role) {
         case ButtonRole::normal: break;
-        case ButtonRole::prominent:
-            pushed->setStyleSheet(
-                "QPushButton { background: #0a7aff; color: white; border: none; border-radius: 6px; padding: 5px "
-                "14px; font-weight: 600; }");
-            break;
-        case ButtonRole::destructive:
-            pushed->setStyleSheet("QPushButton { color: #d70015; }");
-            break;
+        case ButtonRole::prominent: pushed->setProperty("role", "prominent"); break;
+        case ButtonRole::destructive: pushed->setProperty("role", "destructive"); break;
     }
     QObject::connect(pushed, &QPushButton::clicked, pushed, [press] { press(); });
     return pushed;

@@ -1,7 +1,9 @@
 // The pieces the settings pages are built of, in the look of a grouped Mac
 // form: section heads, white rounded groups of rows with hairlines between
 // them, footers, labelled rows, segmented pickers, radio groups, menus and
-// steppers. Each control is named (objectName) after its label, so that
+// steppers. Their look comes from the theme's style sheet, by object name
+// and property ("group", "segment", "role"), so that no widget parses a
+// style of its own. Each control is named (objectName) after its label, so that
 // focus can be found again after a page is rebuilt. Main thread only.
 #pragma once
 
@@ -21,6 +23,8 @@ namespace ashview::Form {
 enum class TextStyle { body, secondary, head, title, largeTitle, caption, lead };
 
 QString qt(const std::string& text);
+/// A one-point line between rows.
+QWidget* hairline(QWidget* parent);
 QLabel* label(const std::string& text, TextStyle style = TextStyle::body, QWidget* parent = nullptr);
 
 /// A white rounded group of rows.

@@ -1,5 +1,6 @@
 #include "AshviewQt/SettingsWidget.h"
 
+#include "AshviewQt/Form.h"
 #include "AshviewQt/SettingsPages.h"
 #include "AshviewQt/SettingsSidebar.h"
 
@@ -65,9 +66,10 @@ SettingsWidget::SettingsWidget(SettingsModel& model, QWidget* parent)
     columns->setContentsMargins(0, 0, 0, 0);
     columns->setSpacing(0);
     columns->addWidget(sidebar_);
-    auto* line = new QFrame(this);
+    QWidget* line = Form::hairline(this);
+    line->setMinimumHeight(0);
+    line->setMaximumHeight(QWIDGETSIZE_MAX);
     line->setFixedWidth(1);
-    line->setStyleSheet("background: #d1d1d6; border: none;");
     columns->addWidget(line);
     columns->addWidget(detail_, 1);
     watch_ = model_.changed.connect([this] { scheduleRefresh(); });

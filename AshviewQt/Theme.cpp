@@ -73,7 +73,16 @@ void apply(QApplication& application) {
         "QScrollBar::add-line:vertical, QScrollBar::sub-line:vertical { height: 0; }"
         "QScrollBar::add-page:vertical, QScrollBar::sub-page:vertical { background: transparent; }"
         "QLineEdit { background: white; border: 1px solid #c8c8cc; border-radius: 6px; padding: 3px 6px; }"
-        "QLineEdit:focus { border: 2px solid #7fb2ff; padding: 2px 5px; }");
+        "QLineEdit:focus { border: 2px solid #7fb2ff; padding: 2px 5px; }"
+        "QFrame#group { background: white; border: 1px solid #dcdcde; border-radius: 8px; }"
+        "QPushButton[segment] { background: #f4f4f5; border: 1px solid #c8c8cc; padding: 3px 12px; }"
+        "QPushButton[segment=\"middle\"], QPushButton[segment=\"last\"] { border-left: none; }"
+        "QPushButton[segment=\"first\"] { border-top-left-radius: 6px; border-bottom-left-radius: 6px; }"
+        "QPushButton[segment=\"last\"] { border-top-right-radius: 6px; border-bottom-right-radius: 6px; }"
+        "QPushButton[segment]:checked { background: white; font-weight: 600; }"
+        "QPushButton[role=\"prominent\"] { background: #0a7aff; color: white; border: none; border-radius: 6px;"
+        " padding: 5px 14px; font-weight: 600; }"
+        "QPushButton[role=\"destructive\"] { color: #d70015; }");
 }
 
 }  // namespace ashview::Theme
