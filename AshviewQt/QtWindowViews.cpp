@@ -1,6 +1,8 @@
 #include "AshviewQt/QtWindowViews.h"
 
+#include "AshviewQt/AboutWidget.h"
 #include "AshviewQt/QtWindowView.h"
+#include "AshviewQt/SetupWidget.h"
 #include "AshviewQt/SettingsWidget.h"
 
 namespace ashview {
@@ -9,14 +11,14 @@ std::unique_ptr<WindowView> QtWindowViews::settingsView(SettingsModel& model) {
     return std::make_unique<QtWindowView>(std::make_unique<SettingsWidget>(model));
 }
 
-std::unique_ptr<WindowView> QtWindowViews::setupView(SetupModel&, std::function<void()> onClose) {
-    // The setup window's rows are drawn once its model is part of the shell;
-    // until then its owner gets a plain window it can show and close.
-    return std::make_unique<QtWindowView>(std::make_unique<QWidget>(), std::move(onClose));
+std::unique_ptr<WindowView> QtWindowViews::setupView(SetupModel& model, std::function<void()> onClose) {
+    // "Done" closes the window as its close button does; the owner hears of
+    // either through `onClose`.
+    return std::make_unique<QtWindowView>(std::make_unique<SetupWidget>(model), std::move(onClose));
 }
 
-std::unique_ptr<WindowView> QtWindowViews::aboutView(const AboutPage&) {
-    return std::make_unique<QtWindowView>(std::make_unique<QWidget>());
+std::unique_ptr<WindowView> QtWindowViews::aboutView(const AboutPage& page) {
+    return std::make_unique<QtWindowView>(std::make_unique<AboutWidget>(page, openURL_));
 }
 
 }  // namespace ashview

@@ -7,6 +7,7 @@
 #include "AshviewQt/QtWindowViews.h"
 #include "AshviewQt/StatusItem.h"
 #include "AshviewQt/Theme.h"
+#include "Platform/Sim/SimApplications.h"
 #include "Platform/Sim/SimDesktop.h"
 #include "Scenario/ScenarioPlayer.h"
 
@@ -35,6 +36,9 @@ public:
     Playback(const ScenarioScript& script, const GuiOptions& options)
         : script_(script),
           speed_(options.speed),
+          views_([this](const std::string& url) {
+              if (SimApplications* apps = player_.applications()) apps->workspace().openURL(url);
+          }),
           player_({options.dataDirectory, options.file, std::cout, std::cerr, &views_}) {}
 
     ScenarioPlayer& player() { return player_; }

@@ -1,6 +1,10 @@
 #include "Pictures.h"
 
+#include "Ashview/Shell/AboutPage.h"
+#include "Ashview/Shell/SetupModel.h"
 #include "Ashview/Shell/StatusMenu.h"
+#include "AshviewQt/AboutWidget.h"
+#include "AshviewQt/SetupWidget.h"
 #include "AshviewQt/DesktopView.h"
 #include "AshviewQt/Form.h"
 #include "AshviewQt/StatusGlyph.h"
@@ -159,6 +163,16 @@ std::vector<std::string> render(const std::filesystem::path& folder) {
         settle();
         save(windowPicture(window, QString::fromStdString(model.title())), folder, shown.file, written);
     }
+
+    SetupModel setup({stage.apps.workspace(), stage.apps.appleEvents(), stage.apps.accessibility(),
+                      stage.desktop.mainLoop()},
+                     SetupModel::installedCatalog(stage.apps.workspace()));
+    setup.refresh();
+    SetupWidget setupWindow(setup);
+    save(windowPicture(setupWindow, SetupModel::windowTitle), folder, "setup.png", written);
+
+    AboutWidget about(AboutPage::make("1.0", "42"), [](const std::string&) {});
+    save(windowPicture(about, AboutPage::windowTitle), folder, "about.png", written);
     return written;
 }
 

@@ -73,8 +73,8 @@ public:
 
     /// A person's list and two weeks of use, ending on the start day at
     /// about three in the afternoon: three sites and an app with their own
-    /// rules, days off, Chrome in front on a listed site, and Safari running
-    /// but not yet allowed. Needs a stage started 14 days before `start()`.
+    /// rules, days off, Chrome in front on a listed site, Safari running but
+    /// not yet allowed, and Microsoft Edge installed. Needs a stage started 14 days before `start()`.
     void furnish() {
         RuleSet rules = controller->rules();
         SiteRule video = rules.addSite("youtube.com");
@@ -109,6 +109,8 @@ public:
             apps.quit(chromePID);
             chromePID = 0;
         }
+        for (const char* id : {chrome, safari, "com.microsoft.edgemac"})
+            apps.registerBundle(id, std::string("/Applications/") + id + ".app");
         apps.setPermission(safari, SimPermission::notDecided);
         apps.launchBrowser(safari);
         advance(60);
