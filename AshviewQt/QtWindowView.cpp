@@ -1,6 +1,7 @@
 #include "AshviewQt/QtWindowView.h"
 
 #include <QEvent>
+#include <QWindow>
 
 namespace ashview {
 
@@ -32,7 +33,12 @@ void QtWindowView::present() {
     widget_->activateWindow();
 }
 
-bool QtWindowView::isVisible() const { return widget_->isVisible() && !widget_->isMinimized(); }
+bool QtWindowView::isVisible() const {
+    // Exposure follows the system's occlusion: a window covered whole or on
+    // another Space is shown but not exposed.
+    const QWindow* window = widget_->windowHandle();
+    return widget_->isVisible() && !widget_->isMinimized() && (!window || window->isExposed());
+}
 
 void QtWindowView::close() { widget_->close(); }
 

@@ -77,6 +77,7 @@ TEST(SetupWindowView, ShowsTheRowsAndForwardsEachPress) {
     view->present();
     settle();
     QWidget& window = static_cast<QtWindowView&>(*view).widget();
+    EXPECT_TRUE(view->isVisible());
     EXPECT_EQ(shownWords(window), modelWords(model));
     EXPECT_EQ(window.windowTitle().toStdString(), SetupModel::windowTitle);
 
