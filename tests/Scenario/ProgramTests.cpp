@@ -54,6 +54,8 @@ TEST(Program, CommandLineHelpAndBadInput) {
 
     EXPECT_EQ(run({"--frobnicate"}, scratch).status, 2);
     EXPECT_EQ(run({"--data-dir"}, scratch).status, 2);
+    EXPECT_EQ(run({"--speed", "3"}, scratch).status, 2) << "the speed is for the graphical run";
+    EXPECT_EQ(run({"--gui", "--speed", "0"}, scratch).status, 2);
     Result missing = run({(scratch.path() / "nothing.scenario").string()}, scratch);
     EXPECT_EQ(missing.status, 2);
     EXPECT_NE(missing.err.find("cannot read"), std::string::npos);
