@@ -4,9 +4,18 @@
 // defaults and the days off. 20 points, at 2x. Main thread.
 #pragma once
 
+#include <QImage>
 #include <QPixmap>
 
+#include <functional>
 #include <string>
+
+namespace ashview {
+class AppIcon;
+/// The picture of an application's icon as the platform draws it (on the Mac
+/// from the icon's PNG); a null image where it has none.
+using IconImage = std::function<QImage(const AppIcon&)>;
+}  // namespace ashview
 
 namespace ashview::AppGlyph {
 

@@ -8,7 +8,7 @@
 namespace ashview {
 
 std::unique_ptr<WindowView> QtWindowViews::settingsView(SettingsModel& model) {
-    return std::make_unique<QtWindowView>(std::make_unique<SettingsWidget>(model));
+    return std::make_unique<QtWindowView>(std::make_unique<SettingsWidget>(model, iconImage_));
 }
 
 std::unique_ptr<WindowView> QtWindowViews::setupView(SetupModel& model, std::function<void()> onClose) {

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "Ashview/Shell/WindowView.h"
+#include "AshviewQt/AppGlyph.h"
 
 #include <functional>
 #include <string>
@@ -13,8 +14,10 @@ namespace ashview {
 class QtWindowViews final : public WindowViews {
 public:
     /// `openURL` opens an address with the application the system chooses
-    /// (the platform's workspace), for the About page's links.
-    explicit QtWindowViews(std::function<void(const std::string&)> openURL) : openURL_(std::move(openURL)) {}
+    /// (the platform's workspace), for the About page's links; `iconImage`
+    /// draws apps' own icons in the settings (a drawn badge without it).
+    explicit QtWindowViews(std::function<void(const std::string&)> openURL, IconImage iconImage = {})
+        : openURL_(std::move(openURL)), iconImage_(std::move(iconImage)) {}
 
     std::unique_ptr<WindowView> settingsView(SettingsModel& model) override;
     std::unique_ptr<WindowView> setupView(SetupModel& model, std::function<void()> onClose) override;
@@ -22,6 +25,7 @@ public:
 
 private:
     std::function<void(const std::string&)> openURL_;
+    IconImage iconImage_;
 };
 
 }  // namespace ashview

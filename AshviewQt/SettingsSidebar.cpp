@@ -96,10 +96,12 @@ QPushButton* addButton(QWidget* parent) {
 
 }  // namespace
 
-SettingsSidebar::SettingsSidebar(SettingsModel& model, SettingsPages::Typing typing, QWidget* parent)
+SettingsSidebar::SettingsSidebar(SettingsModel& model, SettingsPages::Typing typing, IconImage iconImage,
+                                 QWidget* parent)
     : QWidget(parent),
       model_(model),
       typing_(std::move(typing)),
+      iconImage_(std::move(iconImage)),
       list_(new QListWidget(this)),
       addFrontSite_(addButton(this)),
       addApp_(addButton(this)),
@@ -184,7 +186,12 @@ QPixmap SettingsSidebar::icon(const SettingsContent::SidebarRow& row) {
         case Page::Kind::site: break;
     }
     if (!row.appBundleID) return AppGlyph::site(row.title);
-    return AppGlyph::app(row.title, *row.appBundleID, model_.appIcons().icon(*row.appBundleID) != nullptr);
+    std::shared_ptr<const AppIcon> known = model_.appIcons().icon(*row.appBundleID);
+    if (known && iconImage_) {
+        QImage picture = iconImage_(*known);
+        if (!picture.isNull()) return QPixmap::fromImage(std::move(picture));
+    }
+    return AppGlyph::app(row.title, *row.appBundleID, known != nullptr);
 }
 
 void SettingsSidebar::fillAddArea() {

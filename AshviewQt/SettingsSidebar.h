@@ -7,6 +7,7 @@
 
 #include "Ashview/Shell/SettingsContent.h"
 #include "Ashview/Shell/SettingsModel.h"
+#include "AshviewQt/AppGlyph.h"
 #include "AshviewQt/SettingsPages.h"
 
 #include <QLabel>
@@ -24,7 +25,10 @@ public:
     static constexpr int pageRole = Qt::UserRole + 1;
     static constexpr int statusRole = Qt::UserRole + 2;
 
-    SettingsSidebar(SettingsModel& model, SettingsPages::Typing typing, QWidget* parent = nullptr);
+    /// `iconImage` draws an app's own icon; without it, or when it gives
+    /// nothing, the row shows a drawn badge.
+    SettingsSidebar(SettingsModel& model, SettingsPages::Typing typing, IconImage iconImage = {},
+                    QWidget* parent = nullptr);
 
     /// Shows the model as it stands.
     void update();
@@ -37,6 +41,7 @@ private:
 
     SettingsModel& model_;
     SettingsPages::Typing typing_;
+    IconImage iconImage_;
     QListWidget* list_;
     QPushButton* addFrontSite_;
     QPushButton* addApp_;

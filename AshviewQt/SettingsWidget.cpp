@@ -52,10 +52,11 @@ bool takeWords(QWidget& shown, QWidget& built) {
 
 }  // namespace
 
-SettingsWidget::SettingsWidget(SettingsModel& model, QWidget* parent)
+SettingsWidget::SettingsWidget(SettingsModel& model, IconImage iconImage, QWidget* parent)
     : QWidget(parent),
       model_(model),
-      sidebar_(new SettingsSidebar(model, [this](const std::function<void()>& change) { typing(change); }, this)),
+      sidebar_(new SettingsSidebar(
+          model, [this](const std::function<void()>& change) { typing(change); }, std::move(iconImage), this)),
       detail_(new QScrollArea(this)) {
     resize(width, height);
     sidebar_->setFixedWidth(250);

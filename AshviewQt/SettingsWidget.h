@@ -7,6 +7,7 @@
 
 #include "Ashview/Shell/SettingsModel.h"
 #include "Ashview/Shell/Signal.h"
+#include "AshviewQt/AppGlyph.h"
 
 #include <QMessageBox>
 #include <QPointer>
@@ -23,8 +24,8 @@ public:
     static constexpr int width = 820;
     static constexpr int height = 640;
 
-    /// `model` must outlive the window.
-    explicit SettingsWidget(SettingsModel& model, QWidget* parent = nullptr);
+    /// `model` must outlive the window; `iconImage` draws apps' own icons.
+    explicit SettingsWidget(SettingsModel& model, IconImage iconImage = {}, QWidget* parent = nullptr);
 
     /// Shows the model as it stands now, at once.
     void refresh();

@@ -19,6 +19,7 @@
 #include <QComboBox>
 #include <QDateEdit>
 #include <QLabel>
+#include <QImage>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QSpinBox>
@@ -308,6 +309,28 @@ std::set<std::string> vocabulary(SettingsScreen& view) {
         words.insert(form.explanation());
     }
     return words;
+}
+
+TEST(SettingsWidget, AnAppsRowShowsItsOwnIconWhereThePlatformDrawsOne) {
+    ShellStage stage;
+    stage.apps.registerBundle("com.example.Game", "/Applications/Game.app");
+    stage.startProgram();
+    RuleSet rules = stage.controller->rules();
+    rules.addSite("example.com");
+    rules.addApp("com.example.Game", "Game");
+    rules.addApp("com.example.Gone", "Gone");
+    stage.setRules(rules);
+    QImage red(40, 40, QImage::Format_ARGB32);
+    red.fill(Qt::red);
+    SettingsWidget window(stage.settings(), [&](const AppIcon&) { return red; });
+    QListWidget& list = window.sidebar().list();
+    std::vector<std::string> ownIcons;
+    for (int row = 0; row < list.count(); ++row) {
+        QImage shown = list.item(row)->data(Qt::DecorationRole).value<QPixmap>().toImage();
+        if (!shown.isNull() && shown.pixel(20, 20) == red.pixel(20, 20))
+            ownIcons.push_back(list.item(row)->text().toStdString());
+    }
+    EXPECT_EQ(ownIcons, std::vector<std::string>{"Game"});
 }
 
 TEST(SettingsWidget, EveryWordComesFromTheModelAndAppsAreOfferedNoBrowserChoices) {

@@ -109,7 +109,7 @@ public:
             apps.quit(chromePID);
             chromePID = 0;
         }
-        for (const char* id : {chrome, safari, "com.microsoft.edgemac"})
+        for (const char* id : {chrome, safari, "com.microsoft.edgemac", "com.valvesoftware.steam"})
             apps.registerBundle(id, std::string("/Applications/") + id + ".app");
         apps.setPermission(safari, SimPermission::notDecided);
         apps.launchBrowser(safari);
