@@ -9,6 +9,7 @@
 #include "AshviewQt/Theme.h"
 #include "Platform/Sim/SimApplications.h"
 #include "Platform/Sim/SimDesktop.h"
+#include "Scenario/RealTimePlayback.h"
 #include "Scenario/ScenarioPlayer.h"
 
 #include <QApplication>
@@ -28,71 +29,44 @@ namespace {
 /// Real milliseconds between two steps of the virtual clock.
 constexpr int tickMilliseconds = 50;
 
-/// Plays the scenario line by line; a wait line lets its virtual time pass
-/// in slices, at the speed asked for. After the last line the clock goes on
-/// at that speed, so timers keep running while the person looks.
+/// The scenario against the real clock: every tick lets the real time since
+/// the last one pass, times the speed.
 class Playback final : public QObject {
 public:
     Playback(const ScenarioScript& script, const GuiOptions& options)
-        : script_(script),
-          speed_(options.speed),
+        : speed_(options.speed),
           views_([this](const std::string& url) {
               if (SimApplications* apps = player_.applications()) apps->workspace().openURL(url);
           }),
-          player_({options.dataDirectory, options.file, std::cout, std::cerr, &views_}) {}
+          player_({options.dataDirectory, options.file, std::cout, std::cerr, &views_}),
+          playback_(script, player_, std::cout) {}
 
     ScenarioPlayer& player() { return player_; }
-    int status() const { return status_; }
+    int status() const { return playback_.status(); }
 
     /// Plays up to the first wait (which makes the desktop), then goes on
-    /// from the event loop.
+    /// from the event loop; `onTick` runs after each step.
     void start(std::function<void()> onTick) {
         onTick_ = std::move(onTick);
-        advance(0);
-        connect(&timer_, &QTimer::timeout, this, [this] {
-            advance(speed_ * static_cast<double>(clock_.restart()) / 1000.0);
-        });
+        step(0);
+        connect(&timer_, &QTimer::timeout, this,
+                [this] { step(speed_ * static_cast<double>(clock_.restart()) / 1000.0); });
         clock_.start();
         timer_.start(tickMilliseconds);
     }
 
 private:
-    void advance(double seconds) {
-        while (status_ == ScenarioPlayer::finished && next_ < script_.commands.size()) {
-            const ScenarioCommand& command = script_.commands[next_];
-            if (!waiting_) {
-                if (std::optional<double> wait = player_.waitSeconds(command)) {
-                    if (SimDesktop* desktop = player_.desktop())
-                        std::cout << Log::clockText(desktop->clock().now(), desktop->clock().calendar());
-                    std::cout << " > " << command.text << "\n" << std::flush;
-                    waiting_ = *wait;
-                } else {
-                    status_ = player_.step(command);
-                    ++next_;
-                    continue;
-                }
-            }
-            const double slice = std::min(*waiting_, seconds);
-            player_.pass(slice);
-            seconds -= slice;
-            *waiting_ -= slice;
-            if (*waiting_ > 0) break;
-            waiting_.reset();
-            ++next_;
-        }
-        if (next_ >= script_.commands.size() && seconds > 0) player_.pass(seconds);
+    void step(double seconds) {
+        playback_.advance(seconds);
         if (onTick_) onTick_();
     }
 
-    const ScenarioScript& script_;
     double speed_;
     QtWindowViews views_;
     ScenarioPlayer player_;
+    RealTimePlayback playback_;
     QTimer timer_;
     QElapsedTimer clock_;
-    std::size_t next_ = 0;
-    std::optional<double> waiting_;
-    int status_ = ScenarioPlayer::finished;
     std::function<void()> onTick_;
 };
 
