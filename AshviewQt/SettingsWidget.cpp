@@ -78,6 +78,10 @@ SettingsWidget::SettingsWidget(SettingsModel& model, IconImage iconImage, QWidge
 }
 
 void SettingsWidget::scheduleRefresh() {
+    if (!isVisible()) {
+        stale_ = true;
+        return;
+    }
     if (refreshPending_) return;
     refreshPending_ = true;
     QMetaObject::invokeMethod(
@@ -89,7 +93,13 @@ void SettingsWidget::scheduleRefresh() {
         Qt::QueuedConnection);
 }
 
+void SettingsWidget::showEvent(QShowEvent* event) {
+    if (stale_) refresh();
+    QWidget::showEvent(event);
+}
+
 void SettingsWidget::refresh() {
+    stale_ = false;
     setWindowTitle(QString::fromStdString(model_.title()));
     sidebar_->update();
     if (keepPage_)

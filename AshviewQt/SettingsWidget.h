@@ -1,7 +1,8 @@
 // The settings window: the sidebar on the left, the open page on the right,
 // and the title that follows the page. It shows the model after each of its
-// changes, redrawn once the change is complete (from the event loop), and
-// forwards every action to the model. Made once, at the first showing, and
+// changes, redrawn once the change is complete (from the event loop), or at
+// the next showing while it is closed, and forwards every action to the
+// model. Made once, at the first showing, and
 // kept when closed; main thread only.
 #pragma once
 
@@ -33,6 +34,9 @@ public:
     /// The open page's widget.
     QWidget* page() const { return detail_->widget(); }
 
+protected:
+    void showEvent(QShowEvent* event) override;
+
 private:
     void scheduleRefresh();
     void rebuildPage();
@@ -45,6 +49,8 @@ private:
     QPointer<QMessageBox> confirmation_;
     bool refreshPending_ = false;
     bool keepPage_ = false;
+    /// The model changed while the window was closed.
+    bool stale_ = false;
 };
 
 }  // namespace ashview

@@ -261,6 +261,7 @@ TEST(SettingsWidget, ARefusedEditShowsItsMessageAndLeavesTheFileAsItWas) {
     const std::string before = contents(stage.rulesFile());
     stage.startProgram();
     SettingsWidget window(stage.settings());
+    window.show();
     for (auto page : {SettingsModel::Page::stats(), SettingsModel::Page::newSites(), SettingsModel::Page::daysOff()}) {
         stage.settings().setPage(page);
         settle();
@@ -411,6 +412,17 @@ TEST(SettingsWidget, APassThatOnlyMovesTheStateOnKeepsTheControlsInHand) {
     // A change of what the form offers builds the page anew.
     view.click("Right away");
     EXPECT_EQ(view.window->findChild<QComboBox*>("Counted"), nullptr);
+
+    // A closed window waits for its next showing.
+    view.window->hide();
+    QWidget* closedPage = view.window->page();
+    view.settings().setPage(SettingsModel::Page::daysOff());
+    settle();
+    EXPECT_EQ(view.window->page(), closedPage);
+    view.window->show();
+    settle();
+    EXPECT_EQ(view.window->windowTitle().toStdString(), view.settings().title());
+    EXPECT_NE(view.window->page(), closedPage);
 }
 
 }  // namespace
