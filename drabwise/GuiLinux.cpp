@@ -2,23 +2,17 @@
 
 #include "Ashview/App/AppDelegate.h"
 #include "Ashview/Controller/GrayController.h"
-#include "Ashview/Controller/Log.h"
-#include "AshviewQt/DesktopView.h"
+#include "AshviewQt/SimulatedScreen.h"
 #include "AshviewQt/QtWindowViews.h"
 #include "AshviewQt/StatusItem.h"
 #include "AshviewQt/Theme.h"
 #include "Platform/Sim/SimApplications.h"
-#include "Platform/Sim/SimDesktop.h"
 #include "Scenario/RealTimePlayback.h"
 #include "Scenario/ScenarioPlayer.h"
 
 #include <QApplication>
 #include <QElapsedTimer>
-#include <QHBoxLayout>
-#include <QLabel>
 #include <QTimer>
-#include <QToolButton>
-#include <QVBoxLayout>
 
 #include <iostream>
 
@@ -70,36 +64,6 @@ private:
     std::function<void()> onTick_;
 };
 
-/// The strip across the top: the program's status item at the right, with
-/// its real menu, and the virtual time.
-QWidget* menuBar(StatusItem& item, QLabel*& time) {
-    auto* strip = new QWidget;
-    strip->setAutoFillBackground(true);
-    QPalette shade = strip->palette();
-    shade.setColor(QPalette::Window, QColor(0xf2, 0xf2, 0xf4));
-    strip->setPalette(shade);
-    strip->setFixedHeight(26);
-    auto* line = new QHBoxLayout(strip);
-    line->setContentsMargins(12, 0, 12, 0);
-    auto* title = new QLabel("Simulated desktop");
-    title->setFont(Theme::font(13, QFont::DemiBold));
-    line->addWidget(title);
-    line->addStretch(1);
-    auto* status = new QToolButton;
-    status->setObjectName("statusItem");
-    status->setIcon(item.icon());
-    status->setToolTip("Drabwise");
-    status->setAutoRaise(true);
-    status->setPopupMode(QToolButton::InstantPopup);
-    status->setMenu(&item.menu());
-    status->setStyleSheet("QToolButton::menu-indicator { image: none; }");
-    line->addWidget(status);
-    time = new QLabel;
-    time->setFont(Theme::evenDigitFont(13));
-    line->addWidget(time);
-    return strip;
-}
-
 }  // namespace
 
 int runGui(int& argc, char** argv, const ScenarioScript& script, const GuiOptions& options) {
@@ -120,29 +84,14 @@ int runGui(int& argc, char** argv, const ScenarioScript& script, const GuiOption
                       },
                       {}});
 
-    QWidget window;
-    window.setWindowTitle("Drabwise on a simulated desktop");
-    auto* column = new QVBoxLayout(&window);
-    column->setContentsMargins(0, 0, 0, 0);
-    column->setSpacing(0);
-    QLabel* time = nullptr;
-    column->addWidget(menuBar(item, time));
-    auto* desktop = new DesktopView;
-    column->addWidget(desktop, 1);
+    SimulatedScreen window(item);
     window.resize(1200, 776);
 
     // Quitting from the menu or closing the desktop ends the run the normal
     // way: the program stops and saves before the process ends.
     QObject::connect(&application, &QCoreApplication::aboutToQuit, [&player] { player.finish(); });
 
-    playback.start([&] {
-        if (SimDesktop* simulated = player.desktop()) {
-            desktop->setDesktop(simulated, player.applications());
-            time->setText(QString::fromStdString(
-                Log::clockText(simulated->clock().now(), simulated->clock().calendar())));
-        }
-        desktop->update();
-    });
+    playback.start([&] { window.showDesktop(player.desktop(), player.applications()); });
     window.show();
     item.showInTray();
     const int ended = application.exec();

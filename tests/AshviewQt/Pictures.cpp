@@ -1,11 +1,12 @@
 #include "Pictures.h"
 
+#include "Ashview/Controller/Log.h"
 #include "Ashview/Shell/AboutPage.h"
 #include "Ashview/Shell/SetupModel.h"
 #include "Ashview/Shell/StatusMenu.h"
 #include "AshviewQt/AboutWidget.h"
 #include "AshviewQt/SetupWidget.h"
-#include "AshviewQt/DesktopView.h"
+#include "AshviewQt/SimulatedScreen.h"
 #include "AshviewQt/Form.h"
 #include "AshviewQt/StatusGlyph.h"
 #include "AshviewQt/StatusItem.h"
@@ -85,7 +86,7 @@ QImage windowPicture(QWidget& content, const QString& title) {
 }
 
 /// The status item in a strip of menu bar with its menu open below it.
-QImage menuPicture(QMenu& menu) {
+QImage menuPicture(QMenu& menu, const QString& clock) {
     menu.popup(QPoint(0, 0));
     settle();
     const QSize body = menu.sizeHint();
@@ -104,7 +105,7 @@ QImage menuPicture(QMenu& menu) {
     painter.drawPixmap(QRectF(glyphLeft, 3, 18, 18), StatusGlyph::pixmap(18, scale), QRectF(0, 0, 18 * scale, 18 * scale));
     painter.setPen(QColor(0x1d, 0x1d, 0x1f));
     painter.setFont(Theme::font(13, QFont::DemiBold));
-    painter.drawText(QRectF(width - 100, 0, 90, bar), Qt::AlignRight | Qt::AlignVCenter, "Tue 15:02");
+    painter.drawText(QRectF(width - 100, 0, 90, bar), Qt::AlignRight | Qt::AlignVCenter, clock);
     QRectF frame(shadow, bar + 4, body.width(), body.height());
     dropShadow(painter, frame, 8);
     QPainterPath outline;
@@ -134,16 +135,18 @@ std::vector<std::string> render(const std::filesystem::path& folder) {
     stage.startProgram();
     stage.furnish();
 
-    DesktopView desktop;
-    desktop.setDesktop(&stage.desktop, &stage.apps);
-    desktop.resize(1080, 675);
-    save(windowPicture(desktop, "Drabwise on a simulated desktop"), folder, "desktop.png", written);
-
     SimLoginItemService loginItems;
     std::ostringstream errors;
     StatusMenu statusMenu(*stage.controller, stage.appMonitor, loginItems, stage.desktop.mainLoop(), errors, {});
     StatusItem item([&] { return statusMenu.menuNeedsUpdate(); }, SystemActions{});
-    save(menuPicture(item.menu()), folder, "status-menu.png", written);
+    const QString clock =
+        QString::fromStdString(Log::clockText(stage.desktop.clock().now(), stage.desktop.clock().calendar())).left(5);
+    save(menuPicture(item.menu(), clock), folder, "status-menu.png", written);
+
+    SimulatedScreen screen(item);
+    screen.showDesktop(&stage.desktop, &stage.apps);
+    screen.resize(1080, 701);
+    save(windowPicture(screen, screen.windowTitle()), folder, "desktop.png", written);
 
     using Page = SettingsModel::Page;
     SettingsModel& model = stage.settings();
