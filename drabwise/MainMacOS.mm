@@ -8,9 +8,13 @@
 #import <AppKit/AppKit.h>
 
 #include "Ashview/App/AppDelegate.h"
+#include "AshviewQt/MainMenu.h"
+#include "AshviewQt/QtWindowViews.h"
+#include "AshviewQt/StatusItem.h"
 #include "Platform/Mac/MacAdapters.h"
 
 #include <QApplication>
+#include <QImage>
 #include <QTimer>
 
 #include <iostream>
@@ -36,22 +40,53 @@ int main(int argc, char** argv) {
     std::unique_ptr<LoginItemService> loginItems = AppServices::systemLoginItemService();
     std::unique_ptr<UserDefaults> defaults = makeMacUserDefaults();
     std::unique_ptr<Application> application = makeMacApplication();
+    std::unique_ptr<OpenPanel> openPanel = makeMacOpenPanel();
+
+    // The windows: links open through the workspace, and apps' own icons are
+    // drawn from the PNG the workspace gives for them.
+    QtWindowViews views([&workspace](const std::string& url) { workspace->openURL(url); },
+                        [](const AppIcon& icon) {
+                            std::vector<unsigned char> png = macIconPNG(icon, 64);
+                            QImage image;
+                            if (!png.empty()) image.loadFromData(png.data(), static_cast<int>(png.size()), "PNG");
+                            return image;
+                        });
 
     AppDelegate delegate(AppDelegate::Services{
         *updater,
         *loginItems,
         *defaults,
         *application,
+        views,
         std::cerr,
         AppDelegate::Desktop{*loop, *windowServer, *overlayWindows, *workspaceNotifications, *distributedNotifications,
-                             *workspace, *appleEvents, *accessibility},
+                             *workspace, *appleEvents, *accessibility, *openPanel},
     });
-    // Still to come with the Qt shell (AshviewQt): the status item and its
-    // menu, and the settings, setup and About windows, made from the
-    // delegate's controller with the workspace, the user defaults, the
-    // application, `makeMacOpenPanel()` and `macIconPNG` for app icons.
+
+    // The status item: its menu is rebuilt from the status menu at each
+    // opening; empty for a second copy, which never gets that far.
+    StatusItem statusItem(
+        [&delegate]() -> std::vector<MenuItem> {
+            if (!delegate.statusMenu()) return {};
+            return delegate.statusMenu()->menuNeedsUpdate();
+        },
+        SystemActions{[&delegate] { delegate.checkForUpdates(); }, {}});
+
+    // The menu bar of the program's windows, with their usual keys.
+    std::unique_ptr<QMenuBar> mainMenu = makeMainMenu(MainMenuActions{
+        [&delegate] {
+            if (delegate.isRunning()) delegate.aboutWindow().show();
+        },
+        [&delegate] { delegate.checkForUpdates(); },
+        [&delegate] {
+            if (SettingsWindow* settings = delegate.settingsWindow()) settings->show(std::nullopt);
+        },
+    });
 
     QObject::connect(&qt, &QCoreApplication::aboutToQuit, [&delegate] { delegate.applicationWillTerminate(); });
-    QTimer::singleShot(0, &qt, [&delegate] { delegate.applicationDidFinishLaunching(); });
+    QTimer::singleShot(0, &qt, [&delegate, &statusItem] {
+        delegate.applicationDidFinishLaunching();
+        if (delegate.isRunning()) statusItem.showInTray();
+    });
     return qt.exec();
 }

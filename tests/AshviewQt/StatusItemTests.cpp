@@ -1,10 +1,12 @@
 // The status item's menu: built from the model's tree at each opening, with
 // its words, states, key equivalents and submenus, and each choice carried out
 // after the menu closes.
+#include "AshviewQt/MainMenu.h"
 #include "AshviewQt/StatusGlyph.h"
 #include "AshviewQt/StatusItem.h"
 
 #include <QApplication>
+#include <QLineEdit>
 #include <QImage>
 #include <QTimer>
 
@@ -124,6 +126,38 @@ TEST(StatusItem, KeyEquivalentsAndTheGlyph) {
     EXPECT_EQ(qAlpha(glyph.pixel(0, 0)), 0) << "the corners stay clear";
     EXPECT_GT(qAlpha(glyph.pixel(14, 18)), 200) << "the left bar is drawn";
     EXPECT_EQ(qAlpha(glyph.pixel(18, 18)), 0) << "the gap between the bars is clear";
+}
+
+TEST(MainMenu, TheApplicationAndEditMenusWithTheirKeys) {
+    int about = 0, settings = 0;
+    std::unique_ptr<QMenuBar> bar = makeMainMenu({[&] { ++about; }, {}, [&] { ++settings; }});
+    QList<QAction*> menus = bar->actions();
+    ASSERT_EQ(menus.size(), 2);
+    EXPECT_TRUE(menus[0]->text().isEmpty());
+    std::vector<std::pair<QString, QString>> shown;
+    for (QAction* menu : menus)
+        for (QAction* item : menu->menu()->actions())
+            shown.emplace_back(item->text(), item->shortcut().toString(QKeySequence::PortableText));
+    EXPECT_EQ(shown, (std::vector<std::pair<QString, QString>>{
+                         {"About Drabwise", ""}, {"Check for Updates…", ""}, {"Settings…", "Ctrl+,"},
+                         {"Close Window", "Ctrl+W"}, {"Quit Drabwise", "Ctrl+Q"}, {"Undo", "Ctrl+Z"},
+                         {"Redo", "Ctrl+Shift+Z"}, {"Cut", "Ctrl+X"}, {"Copy", "Ctrl+C"}, {"Paste", "Ctrl+V"},
+                         {"Select All", "Ctrl+A"}}));
+    menus[0]->menu()->actions()[0]->trigger();
+    menus[0]->menu()->actions()[2]->trigger();
+    menus[0]->menu()->actions()[1]->trigger();  // no updater: nothing happens
+    EXPECT_EQ(about, 1);
+    EXPECT_EQ(settings, 1);
+
+    QLineEdit box;
+    box.setText("example.com");
+    box.show();
+    box.activateWindow();
+    box.setFocus();
+    QApplication::processEvents();
+    ASSERT_EQ(QApplication::focusWidget(), &box);
+    menus[1]->menu()->actions()[5]->trigger();
+    EXPECT_EQ(box.selectedText(), "example.com") << "Select All acts on the focused field";
 }
 
 }  // namespace
