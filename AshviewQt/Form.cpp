@@ -3,6 +3,7 @@
 #include "AshviewQt/Theme.h"
 
 #include <QButtonGroup>
+#include <QMetaObject>
 #include <QPushButton>
 #include <QRadioButton>
 
@@ -183,6 +184,18 @@ QWidget* button(const std::string& title, ButtonRole role, std::function<void()>
     }
     QObject::connect(pushed, &QPushButton::clicked, pushed, [press] { press(); });
     return pushed;
+}
+
+void refreshLater(QObject* owner, bool& pending, std::function<void()> refresh) {
+    if (pending) return;
+    pending = true;
+    QMetaObject::invokeMethod(
+        owner,
+        [&pending, refresh = std::move(refresh)] {
+            pending = false;
+            refresh();
+        },
+        Qt::QueuedConnection);
 }
 
 }  // namespace ashview::Form

@@ -78,4 +78,8 @@ QSpinBox* stepper(const std::string& name, std::int64_t value, std::int64_t mini
 enum class ButtonRole { normal, prominent, destructive };
 QWidget* button(const std::string& title, ButtonRole role, std::function<void()> press);
 
+/// Runs `refresh` once from the event loop, however many changes ask for it
+/// before then: `pending` is the owner's flag, set until the redraw runs.
+void refreshLater(QObject* owner, bool& pending, std::function<void()> refresh);
+
 }  // namespace ashview::Form

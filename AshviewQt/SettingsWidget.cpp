@@ -82,15 +82,7 @@ void SettingsWidget::scheduleRefresh() {
         stale_ = true;
         return;
     }
-    if (refreshPending_) return;
-    refreshPending_ = true;
-    QMetaObject::invokeMethod(
-        this,
-        [this] {
-            refreshPending_ = false;
-            refresh();
-        },
-        Qt::QueuedConnection);
+    Form::refreshLater(this, refreshPending_, [this] { refresh(); });
 }
 
 void SettingsWidget::showEvent(QShowEvent* event) {

@@ -66,17 +66,7 @@ SetupWidget::SetupWidget(SetupModel& model, QWidget* parent)
     page->layout()->addWidget(finish, 0, Qt::AlignRight);
     setFixedWidth(520);
 
-    watch_ = model_.changed.connect([this] {
-        if (refreshPending_) return;
-        refreshPending_ = true;
-        QMetaObject::invokeMethod(
-            this,
-            [this] {
-                refreshPending_ = false;
-                refresh();
-            },
-            Qt::QueuedConnection);
-    });
+    watch_ = model_.changed.connect([this] { Form::refreshLater(this, refreshPending_, [this] { refresh(); }); });
     refresh();
 }
 

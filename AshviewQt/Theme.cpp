@@ -5,6 +5,8 @@
 #include <QPalette>
 #include <QStyleFactory>
 
+#include <cstdio>
+
 namespace ashview::Theme {
 
 namespace {
@@ -83,6 +85,13 @@ void apply(QApplication& application) {
         "QPushButton[role=\"prominent\"] { background: #0a7aff; color: white; border: none; border-radius: 6px;"
         " padding: 5px 14px; font-weight: 600; }"
         "QPushButton[role=\"destructive\"] { color: #d70015; }");
+}
+
+void quietOffscreenNotices() {
+    qInstallMessageHandler([](QtMsgType type, const QMessageLogContext& context, const QString& message) {
+        if (message.startsWith("This plugin does not support")) return;
+        std::fprintf(stderr, "%s\n", qPrintable(qFormatLogMessage(type, context, message)));
+    });
 }
 
 }  // namespace ashview::Theme

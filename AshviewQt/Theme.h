@@ -13,6 +13,9 @@ class QApplication;
 namespace ashview::Theme {
 
 void apply(QApplication& application);
+/// Leaves out the offscreen platform's notice, for every window, of the
+/// display services it lacks; every other message is written as usual.
+void quietOffscreenNotices();
 
 /// The body text's typeface at `points` (13 by default), `weight` as given.
 QFont font(qreal points = 13, QFont::Weight weight = QFont::Normal);

@@ -7,21 +7,8 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdio>
-
-namespace {
-
-/// The offscreen platform says, for every window, which of a real display's
-/// services it lacks; every other message is written as usual.
-void quietOffscreen(QtMsgType type, const QMessageLogContext& context, const QString& message) {
-    if (message.startsWith("This plugin does not support")) return;
-    std::fprintf(stderr, "%s\n", qPrintable(qFormatLogMessage(type, context, message)));
-}
-
-}  // namespace
-
 int main(int argc, char** argv) {
-    qInstallMessageHandler(quietOffscreen);
+    ashview::Theme::quietOffscreenNotices();
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication application(argc, argv);
     ashview::Theme::apply(application);

@@ -5,22 +5,10 @@
 
 #include <QApplication>
 
-#include <cstdio>
 #include <iostream>
 
-namespace {
-
-/// The offscreen platform says, for every window, which of a real display's
-/// services it lacks; every other message is written as usual.
-void quietOffscreen(QtMsgType type, const QMessageLogContext& context, const QString& message) {
-    if (message.startsWith("This plugin does not support")) return;
-    std::fprintf(stderr, "%s\n", qPrintable(qFormatLogMessage(type, context, message)));
-}
-
-}  // namespace
-
 int main(int argc, char** argv) {
-    qInstallMessageHandler(quietOffscreen);
+    ashview::Theme::quietOffscreenNotices();
     if (argc != 2) {
         std::cerr << "usage: DrabwiseScreenshots FOLDER\n";
         return 2;
